@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include <QRectF>
+
+class QWidget;
+
+namespace tovi {
+
+/// A borderless floating top-level window: above other windows, on all workspaces, in no taskbar or task
+/// switcher. Frames in points, origin bottom-left of the primary screen, y up. Main thread.
+class Panel
+{
+public:
+    virtual ~Panel() = default;
+
+    virtual QRectF frame() const = 0;
+    virtual void setFrame(const QRectF &frame) = 0;
+    /// Shows it above all windows without activating the program.
+    virtual void orderFrontRegardless() = 0;
+    /// Directs the keyboard to it; the previous window gets the keyboard back when the panel goes.
+    virtual void makeKey() = 0;
+    virtual void orderOut() = 0;
+    virtual bool isVisible() const = 0;
+
+    /// Esc was pressed while the panel is key and nothing inside it wanted the key.
+    std::function<void()> onEscape;
+};
+
+/// Makes panels; the only code that places top-level windows.
+class PanelHost
+{
+public:
+    virtual ~PanelHost() = default;
+    /// The panel owns `content` and keeps it as large as itself.
+    virtual std::unique_ptr<Panel> makePanel(std::unique_ptr<QWidget> content) = 0;
+};
+
+} // namespace tovi

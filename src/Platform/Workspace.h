@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <optional>
+
+#include <QList>
+#include <QPointF>
+#include <QRectF>
+#include <QString>
+
+namespace tovi {
+
+struct RunningApplication
+{
+    QString localizedName;    ///< may be empty
+    QString bundleIdentifier; ///< a known browser's identifier, else the desktop entry's id; may be empty
+    qint64 processIdentifier = 0;
+    bool operator==(const RunningApplication &) const = default;
+};
+
+/// One display. Rectangles in points, origin bottom-left of the primary screen, y up.
+struct Screen
+{
+    QRectF frame;
+    QRectF visibleFrame; ///< without desktop panels
+    double backingScaleFactor = 1.0;
+    quint32 displayNumber = 0;
+    bool operator==(const Screen &) const = default;
+};
+
+/// The desktop around the program. Geometry in points, origin bottom-left of the primary screen, y up.
+class Workspace
+{
+public:
+    virtual ~Workspace() = default;
+
+    /// The last active application, panels of this program not counted; none when nothing is active. Any
+    /// thread; asks only the display server.
+    virtual std::optional<RunningApplication> frontmostApplication() = 0;
+    /// The primary screen first. Main thread.
+    virtual QList<Screen> screens() = 0;
+    /// The screen of the active window, else the pointer's. Main thread.
+    virtual std::optional<Screen> mainScreen() = 0;
+    /// None where the desktop does not tell. Main thread.
+    virtual std::optional<QPointF> mouseLocation() = 0;
+};
+
+} // namespace tovi

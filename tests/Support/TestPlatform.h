@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <map>
+#include <mutex>
+
+#include <QJsonObject>
+#include <QStringList>
+
+#include "Platform/Accessibility.h"
+#include "Platform/Application.h"
+#include "Platform/HotKeyCenter.h"
+#include "Platform/LoginItem.h"
+#include "Platform/NotificationCenter.h"
+#include "Platform/PanelHost.h"
+#include "Platform/Pasteboard.h"
+#include "Platform/Platform.h"
+#include "Platform/ScreenCapture.h"
+#include "Platform/SecretStore.h"
+#include "Platform/SystemLog.h"
+#include "Platform/UserDefaults.h"
+#include "Platform/Workspace.h"
+#include "Support/TestAccessibility.h"
+#include "Support/TestClock.h"
+#include "Support/TestPanelHost.h"
+#include "Support/TestSecretStore.h"
+#include "Support/TestTranslationFramework.h"
+
+namespace tovi {
+
+struct TestApplication final : Application
+{
+    void setActivationPolicy(ActivationPolicy value) override { policy = value; }
+    void setAppearance(Appearance value) override { appearances << static_cast<int>(value); }
+    QStringList preferredLanguages() const override { return languages; }
+    QStringList arguments() const override { return argumentList; }
+    void beep() override { ++beeps; }
+    void terminate() override { ++terminations; }
+
+    std::optional<ActivationPolicy> policy;
+    QList<int> appearances;
+    QStringList languages{QStringLiteral("en-US")};
+    QStringList argumentList{QStringLiteral("tovi")};
+    int beeps = 0;
+    int terminations = 0;
+};
+
+struct TestWorkspace final : Workspace
+{
+    std::optional<RunningApplication> frontmostApplication() override
+    {
+        const std::scoped_lock lock(mutex);
+        return frontmost;
+    }
+    QList<Screen> screens() override { return screenList; }
+    std::optional<Screen> mainScreen() override
+    {
+        return screenList.isEmpty() ? std::nullopt : std::optional(screenList.first());
+    }
+    std::optional<QPointF> mouseLocation() override { return mouse; }
+
+    std::mutex mutex;
+    std::optional<RunningApplication> frontmost;
+    QList<Screen> screenList{{QRectF(0, 0, 1440, 900), QRectF(0, 0, 1440, 870), 1.0, 1}};
+    std::optional<QPointF> mouse = QPointF(700, 450);
+};
+
+struct TestHotKeyCenter final : HotKeyCenter
+{
+    struct Keys
+    {
+        quint32 keyCode;
+        quint32 modifiers;
+        bool operator==(const Keys &) const = default;
+    };
+    void setHandler(Handler value) override { handler = std::move(value); }
+    Registration registerHotKey(quint32 number, quint32 keyCode, quint32 modifiers) override
+    {
+        const Keys keys{keyCode, modifiers};
+        if (takenByOthers.contains(keys))
+            return Registration::Refused;
+        for (const auto &[other, registeredKeys] : registered) {
+            if (registeredKeys == keys)
+                return Registration::Refused;
+        }
+        registered[number] = keys;
+        return Registration::Registered;
+    }
+    void unregisterHotKey(quint32 number) override { registered.erase(number); }
+    /// A key press as the desktop delivers it: false when nobody registered the keys.
+    bool press(quint32 keyCode, quint32 modifiers)
+    {
+        for (const auto &[number, keys] : registered) {
+            if (keys == Keys{keyCode, modifiers}) {
+                handler(number);
+                return true;
+            }
+        }
+        return false;
+    }
+
+    Handler handler;
+    std::map<quint32, Keys> registered;
+    QList<Keys> takenByOthers;
+};
+
+struct TestPasteboard final : Pasteboard
+{
+    void setString(const QString &value) override { text = value; }
+    QString text;
+};
+
+struct TestScreenCapture final : ScreenCapture
+{
+    bool preflightAccess() override { return allowed; }
+    void requestAccess() override { ++requests; }
+    bool allowed = true;
+    int requests = 0;
+};
+
+struct TestSystemLog final : SystemLog
+{
+    void write(const QString &line) override
+    {
+        const std::scoped_lock lock(mutex);
+        lines << line;
+    }
+    std::mutex mutex;
+    QStringList lines;
+};
+
+struct TestLoginItem final : LoginItem
+{
+    Status status() const override { return current; }
+    std::optional<QString> registerItem() override
+    {
+        ++registrations;
+        if (!error)
+            current = afterRegistration;
+        return error;
+    }
+    std::optional<QString> unregisterItem() override
+    {
+        ++unregistrations;
+        if (!error)
+            current = Status::NotRegistered;
+        return error;
+    }
+    Status current = Status::NotRegistered;
+    Status afterRegistration = Status::Enabled;
+    std::optional<QString> error;
+    int registrations = 0;
+    int unregistrations = 0;
+};
+
+struct TestUserDefaults final : UserDefaults
+{
+    QJsonValue stored(const QString &key) const override { return values.value(key); }
+    void write(const QString &key, const QJsonValue &value) override
+    {
+        values.insert(key, value);
+        writes << key;
+    }
+    QJsonObject values;
+    QStringList writes;
+};
+
+/// A desktop that a test scripts. Services are plain members, so a test reads and changes them directly.
+class TestPlatform final : public Platform
+{
+public:
+    ~TestPlatform() override { endSharedInstances(); }
+
+    TestAccessibility &accessibility() override { return m_accessibility; }
+    TestApplication &application() override { return m_application; }
+    TestClock &clock() override { return m_clock; }
+    TestHotKeyCenter &hotKeyCenter() override { return m_hotKeyCenter; }
+    TestLoginItem &loginItem() override { return m_loginItem; }
+    NotificationCenter &notificationCenter() override { return m_notificationCenter; }
+    TestPanelHost &panelHost() override { return m_panelHost; }
+    TestPasteboard &pasteboard() override { return m_pasteboard; }
+    TestScreenCapture &screenCapture() override { return m_screenCapture; }
+    TestSecretStore &secretStore() override { return m_secretStore; }
+    TestSystemLog &systemLog() override { return m_systemLog; }
+    TestTranslationFramework &translationFramework() override { return m_translationFramework; }
+    TestUserDefaults &userDefaults() override { return m_userDefaults; }
+    TestWorkspace &workspace() override { return m_workspace; }
+
+private:
+    TestAccessibility m_accessibility;
+    TestApplication m_application;
+    TestClock m_clock;
+    TestHotKeyCenter m_hotKeyCenter;
+    TestLoginItem m_loginItem;
+    NotificationCenter m_notificationCenter;
+    TestPanelHost m_panelHost;
+    TestPasteboard m_pasteboard;
+    TestScreenCapture m_screenCapture;
+    TestSecretStore m_secretStore;
+    TestSystemLog m_systemLog;
+    TestTranslationFramework m_translationFramework;
+    TestUserDefaults m_userDefaults;
+    TestWorkspace m_workspace;
+};
+
+} // namespace tovi

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QList>
 #include <QSet>
 #include <QString>
 
@@ -12,8 +13,9 @@ namespace tovi {
 class HotKeyStatus : public Observable
 {
 public:
-    /// In registration order.
     enum class Slot { capture, ocr, input };
+    /// In registration order.
+    static const QList<Slot> &all();
     static QString rawValue(Slot slot);
 
     static HotKeyStatus &shared();

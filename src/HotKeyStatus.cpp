@@ -5,12 +5,6 @@
 
 namespace tovi {
 
-const QList<HotKeyStatus::Slot> &HotKeyStatus::all()
-{
-    static const QList<Slot> slotList{Slot::capture, Slot::ocr, Slot::input};
-    return slotList;
-}
-
 QString HotKeyStatus::rawValue(Slot slot)
 {
     switch (slot) {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QList>
 #include <QSet>
 #include <QString>
 
@@ -13,9 +12,8 @@ namespace tovi {
 class HotKeyStatus : public Observable
 {
 public:
-    enum class Slot { capture, ocr, input };
     /// In registration order.
-    static const QList<Slot> &all();
+    enum class Slot { capture, ocr, input };
     static QString rawValue(Slot slot);
 
     static HotKeyStatus &shared();

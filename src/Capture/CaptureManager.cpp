@@ -36,8 +36,7 @@ QCoro::Task<std::optional<CaptureResult>> recognize(std::optional<QPointF> curso
     const OCRResult result = co_await OCRCapturer::recognizeText(recognitionRect(*cursor), onProgress);
     if (result.kind != OCRResult::Kind::text)
         co_return std::nullopt;
-    co_return CaptureResult{
-        .text = result.text, .source = CaptureSource::ocr, .bounds = {}, .appName = appName};
+    co_return CaptureResult{.text = result.text, .source = CaptureSource::ocr, .appName = appName};
 }
 
 CaptureOptions currentOptions()

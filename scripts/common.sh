@@ -1,0 +1,50 @@
+# SPDX-License-Identifier: MIT
+# Shared by the commands at the top of the tree.
+
+# What the program is built from and runs with.
+program_packages=(
+    g++ cmake ninja-build ccache pkg-config
+    qt6-base-dev qt6-base-private-dev libqt6svg6-dev libqt6svg6 qt6-qpa-plugins qcoro-qt6-dev
+    libxcb1-dev libxcb-xinput-dev libxcb-xtest0-dev libxcb-xfixes0-dev libxcb-res0-dev
+    libxcb-keysyms1-dev libxcb-xkb-dev libxcb-randr0-dev libxcb-damage0-dev
+    libsecret-1-dev libcld2-dev
+    at-spi2-core dbus apertium apertium-eng-spa apertium-fr-es
+    fonts-noto-core
+)
+# A desktop of its own for the demonstration, with an editor to select text in.
+demo_packages=(xvfb openbox dbus-daemon mousepad fonts-noto-core x11-xkb-utils)
+# What the tests drive.
+test_packages=(
+    libgtest-dev libgmock-dev "${demo_packages[@]}"
+    gnome-keyring dbus-x11 xdotool xclip x11-utils x11-xserver-utils trayer
+    featherpad xterm firefox-esr chromium fonts-noto-cjk fonts-noto-color-emoji
+)
+
+# Installs the packages that are missing, once, with root's or sudo's rights.
+install_packages() {
+    local missing=() package
+    for package in "$@"; do
+        dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    local as_root=()
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null || {
+            echo "Missing Debian packages, and no sudo to install them with: ${missing[*]}" >&2
+            return 1
+        }
+        as_root=(sudo)
+    fi
+    echo "Installing: ${missing[*]}"
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update -qq &&
+        "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+            apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# build PRESET TARGET...: configures when needed and builds.
+build() {
+    local preset=$1
+    shift
+    [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" >/dev/null || return 1
+    cmake --build --preset "$preset" ${1:+--target "$@"}
+}

@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: MIT
+#include "AppDelegate.h"
+
+#include <QPointer>
+
+#include "Capture/ScreenSelectionController.h"
+#include "GlobalHotKey.h"
+#include "HotKeyStatus.h"
+#include "Localization.h"
+#include "Platform/Accessibility.h"
+#include "Platform/Application.h"
+#include "Platform/NotificationCenter.h"
+#include "Platform/Platform.h"
+#include "Platform/SystemLog.h"
+#include "Platform/Trace.h"
+#include "Settings.h"
+
+namespace tovi {
+
+AppDelegate::AppDelegate() = default;
+AppDelegate::~AppDelegate() = default;
+
+void AppDelegate::applicationDidFinishLaunching()
+{
+    Platform &platform = Platform::current();
+    platform.application().setActivationPolicy(Application::ActivationPolicy::Accessory);
+    Settings::shared().applyAppearance();
+    setupMainMenu();
+    setupStatusItem();
+    setupHotKeys();
+    Trace::mark("ready");
+    if (!platform.accessibility().isProcessTrusted())
+        platform.accessibility().requestTrust();
+    handleArguments(platform.application().arguments());
+}
+
+void AppDelegate::handleArguments(const QStringList &arguments)
+{
+    const auto unavailable = [](const char *what) {
+        Platform::current().systemLog().write(QStringLiteral("Tovi: this build has no ") + QLatin1String(what));
+    };
+    if (arguments.contains(QStringLiteral("--settings")))
+        unavailable("settings window");
+    if (arguments.contains(QStringLiteral("--ocr-select")))
+        ScreenSelectionController::shared().begin([](const auto &) {});
+    if (arguments.contains(QStringLiteral("--check-updates")))
+        unavailable("update check");
+}
+
+void AppDelegate::applicationWillTerminate()
+{
+    Settings::shared().flush();
+}
+
+void AppDelegate::setupHotKeys()
+{
+    registerHotKeys();
+    NotificationCenter &center = Platform::current().notificationCenter();
+    m_observers.push_back(
+        center.observe(Settings::hotKeysChangedNotification, [this](const QVariantMap &) { hotKeysChanged(); }));
+    m_observers.push_back(
+        center.observe(QStringLiteral("com.brevoll.tovi.hotKeyRecordingChanged"),
+                       [this](const QVariantMap &userInfo) { hotKeyRecordingChanged(userInfo); }));
+    m_observers.push_back(center.observe(Localization::languageChangedNotification,
+                                         [this](const QVariantMap &) { languageChanged(); }));
+}
+
+void AppDelegate::registerHotKeys()
+{
+    m_captureHotKey.reset();
+    m_ocrHotKey.reset();
+    m_inputHotKey.reset();
+
+    struct Entry
+    {
+        HotKeyStatus::Slot slot;
+        HotKey keys;
+        std::unique_ptr<GlobalHotKey> &registration;
+        void (AppDelegate::*action)();
+    };
+    const Settings &settings = Settings::shared();
+    const Entry entries[] = {
+        {HotKeyStatus::Slot::capture, settings.captureHotKey, m_captureHotKey, &AppDelegate::triggerCapture},
+        {HotKeyStatus::Slot::ocr, settings.ocrHotKey, m_ocrHotKey, &AppDelegate::triggerOCR},
+        {HotKeyStatus::Slot::input, settings.inputHotKey, m_inputHotKey,
+         &AppDelegate::triggerInputTranslation},
+    };
+
+    QSet<HotKeyStatus::Slot> failed;
+    QSet<HotKeyStatus::Slot> duplicates;
+    QList<HotKey> registered;
+    for (const Entry &entry : entries) {
+        if (entry.keys.isEmpty())
+            continue;
+        for (const Entry &other : entries) {
+            if (other.slot != entry.slot && other.keys == entry.keys)
+                duplicates << entry.slot;
+        }
+        if (registered.contains(entry.keys))
+            continue;
+        entry.registration = GlobalHotKey::make(entry.keys.keyCode, entry.keys.modifiers,
+                                                [self = QPointer(this), action = entry.action] {
+                                                    if (self)
+                                                        (self->*action)();
+                                                });
+        if (entry.registration)
+            registered << entry.keys;
+        else
+            failed << entry.slot;
+    }
+    HotKeyStatus::shared().failed = failed;
+    HotKeyStatus::shared().duplicates = duplicates;
+}
+
+void AppDelegate::hotKeysChanged()
+{
+    if (!m_hotKeysSuspended)
+        registerHotKeys();
+}
+
+void AppDelegate::hotKeyRecordingChanged(const QVariantMap &userInfo)
+{
+    const QVariant recording = userInfo.value(QStringLiteral("recording"));
+    m_hotKeysSuspended = recording.typeId() == QMetaType::Bool && recording.toBool();
+    if (m_hotKeysSuspended) {
+        m_captureHotKey.reset();
+        m_ocrHotKey.reset();
+    } else {
+        registerHotKeys();
+    }
+}
+
+void AppDelegate::languageChanged()
+{
+    if (m_statusMenu)
+        rebuildMenu(m_statusMenu.get());
+    setupMainMenu();
+}
+
+} // namespace tovi

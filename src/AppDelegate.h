@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include <QMenu>
+#include <QObject>
+#include <QPointF>
+#include <QRectF>
+#include <QSystemTrayIcon>
+#include <QUuid>
+#include <qcorotask.h>
+
+#include "Capture/CaptureResult.h"
+#include "Capture/OCRCapturer.h"
+#include "Platform/Subscription.h"
+
+namespace tovi {
+
+class GlobalHotKey;
+class ResultViewModel;
+
+/// The coordinator: brings the program up and runs every flow from a trigger to a result panel. Main thread.
+class AppDelegate : public QObject
+{
+    Q_OBJECT
+
+public:
+    AppDelegate();
+    ~AppDelegate() override;
+
+    void applicationDidFinishLaunching();
+    /// Acts on the launch arguments; a second start hands its own over to the running program.
+    void handleArguments(const QStringList &arguments);
+    /// Stores what is pending.
+    void applicationWillTerminate();
+
+    void triggerCapture();
+    void triggerOCR();
+    void triggerInputTranslation();
+
+    /// Starts a capture; `at` in points, origin bottom-left of the primary screen, y up.
+    void performCapture(bool preferOCR, std::optional<QPointF> at);
+
+private:
+    /// The panel of an OCR in flight, once there is one.
+    struct ProgressHolder
+    {
+        std::shared_ptr<ResultViewModel> model;
+    };
+    using Model = std::shared_ptr<ResultViewModel>;
+
+    // Shortcuts
+    void setupHotKeys();
+    void registerHotKeys();
+    void hotKeysChanged();
+    void hotKeyRecordingChanged(const QVariantMap &userInfo);
+    void languageChanged();
+
+    // Menus
+    void setupMainMenu();
+    void setupStatusItem();
+    void rebuildMenu(QMenu *menu);
+    void setupLanguageMenu(QMenu *menu);
+    void quit();
+
+    // Flows
+    QCoro::Task<> runCapture(bool preferOCR, std::optional<QPointF> at, qint64 token);
+    void captureFinished(const std::optional<CaptureResult> &result, const Model &progressModel);
+    void abandonSlowCapture(qint64 token, const ProgressHolder &holder);
+    QCoro::Task<> performRegionOCR(QRectF rect, qint64 token, std::optional<QString> appName);
+    Model showOCRProgress(qint64 token, std::optional<QRectF> bounds, std::optional<QString> appName);
+    void showMessage(const QString &message);
+    void present(const CaptureResult &capture, Model existingModel);
+    void configure(const Model &model);
+    void translate(const QString &text, const Model &model, const QUuid &providerID);
+    QCoro::Task<> runTranslation(QString text, Model model, QUuid providerID);
+    bool isCurrent(qint64 token) const { return token == m_captureToken; }
+
+    std::unique_ptr<QMenu> m_statusMenu;
+    std::unique_ptr<QSystemTrayIcon> m_statusItem;
+    std::unique_ptr<GlobalHotKey> m_captureHotKey;
+    std::unique_ptr<GlobalHotKey> m_ocrHotKey;
+    std::unique_ptr<GlobalHotKey> m_inputHotKey;
+    bool m_isCapturing = false;
+    qint64 m_captureToken = 0; ///< the generation of captures; a late result of an older one is dropped
+    bool m_hotKeysSuspended = false;
+    Subscription m_watchdog;
+    std::vector<Subscription> m_observers;
+};
+
+} // namespace tovi

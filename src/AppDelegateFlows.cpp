@@ -1,0 +1,276 @@
+// SPDX-License-Identifier: MIT
+#include "AppDelegate.h"
+
+#include <QPointer>
+
+#include "Capture/CaptureManager.h"
+#include "Capture/ScreenSelectionController.h"
+#include "Localization.h"
+#include "Platform/Accessibility.h"
+#include "Platform/Application.h"
+#include "Platform/Clock.h"
+#include "Platform/Platform.h"
+#include "Platform/ScreenCapture.h"
+#include "Platform/Trace.h"
+#include "Platform/Workspace.h"
+#include "Settings.h"
+#include "Text.h"
+#include "Translation/Translator.h"
+#include "UI/ResultPanelManager.h"
+#include "UI/ResultViewModel.h"
+
+namespace tovi {
+
+namespace {
+
+constexpr auto slowCaptureLimit = std::chrono::seconds(4);
+constexpr auto resizeInterval = std::chrono::milliseconds(100);
+
+QString t(Str key)
+{
+    return Localization::shared().t(key);
+}
+
+/// What to say when OCR ended without a text.
+QString noOCRTextMessage()
+{
+    const bool mayRecord = Platform::current().screenCapture().preflightAccess();
+    return t(mayRecord ? Str::messageOCRNoText : Str::messageScreenPermission);
+}
+
+std::optional<QString> frontmostName()
+{
+    const auto frontmost = Platform::current().workspace().frontmostApplication();
+    if (!frontmost || frontmost->localizedName.isEmpty())
+        return std::nullopt;
+    return frontmost->localizedName;
+}
+
+void resizePanel(const ResultViewModel &model)
+{
+    if (const auto resize = model.onResize)
+        resize();
+}
+
+} // namespace
+
+void AppDelegate::triggerCapture()
+{
+    performCapture(false, std::nullopt);
+}
+
+void AppDelegate::performCapture(bool preferOCR, std::optional<QPointF> at)
+{
+    m_isCapturing = true;
+    const qint64 token = ++m_captureToken;
+    Trace::mark("captureStarted");
+    runCapture(preferOCR, at, token);
+}
+
+QCoro::Task<> AppDelegate::runCapture(bool preferOCR, std::optional<QPointF> at, qint64 token)
+{
+    const QPointer self(this);
+    const auto appName = frontmostName();
+    const auto holder = std::make_shared<ProgressHolder>();
+
+    m_watchdog = Platform::current().clock().after(slowCaptureLimit, [self, token, holder] {
+        if (self)
+            self->abandonSlowCapture(token, *holder);
+    });
+    const auto onProgress = [self, token, holder, appName](OCRProgress progress) {
+        if (!self || !self->isCurrent(token))
+            return;
+        if (!holder->model)
+            holder->model = self->showOCRProgress(token, std::nullopt, appName);
+        holder->model->updateOCRProgress(progress);
+    };
+    const auto result = co_await CaptureManager::shared().capture(preferOCR, at, onProgress);
+    if (self && isCurrent(token))
+        captureFinished(result, holder->model);
+}
+
+void AppDelegate::captureFinished(const std::optional<CaptureResult> &result, const Model &progressModel)
+{
+    m_isCapturing = false;
+    m_watchdog.reset();
+    if (result) {
+        Trace::mark("captured", {{"source", static_cast<int>(result->source)}});
+        if (progressModel)
+            progressModel->finishOCR(result->text, std::nullopt);
+        present(*result, progressModel);
+    } else if (progressModel) {
+        progressModel->finishOCR(std::nullopt, noOCRTextMessage());
+    } else if (Platform::current().accessibility().isProcessTrusted()) {
+        Platform::current().application().beep();
+        showMessage(t(Str::messageNoText));
+    } else {
+        Platform::current().accessibility().requestTrust();
+        showMessage(t(Str::messageNeedAccessibility));
+    }
+}
+
+void AppDelegate::abandonSlowCapture(qint64 token, const ProgressHolder &holder)
+{
+    if (!isCurrent(token) || !m_isCapturing || holder.model)
+        return;
+    m_isCapturing = false;
+    ++m_captureToken;
+    Platform::current().application().beep();
+    showMessage(t(Str::messageTimeout));
+}
+
+void AppDelegate::showMessage(const QString &message)
+{
+    const auto model = std::make_shared<ResultViewModel>(CaptureResult{.text = message});
+    model->isLoading = false;
+    ResultPanelManager::shared().show(model, std::nullopt);
+}
+
+AppDelegate::Model AppDelegate::showOCRProgress(qint64 token, std::optional<QRectF> bounds,
+                                                std::optional<QString> appName)
+{
+    const auto model = std::make_shared<ResultViewModel>(
+        CaptureResult{.source = CaptureSource::ocr, .bounds = bounds, .appName = appName});
+    model->updateOCRProgress(OCRProgress::capturing);
+    ResultPanelManager::shared().show(model, bounds);
+    model->onDismiss = [self = QPointer(this), token] {
+        if (!self || !self->isCurrent(token))
+            return;
+        ++self->m_captureToken;
+        self->m_isCapturing = false;
+    };
+    return model;
+}
+
+void AppDelegate::triggerOCR()
+{
+    if (!Settings::shared().ocrRegionSelection) {
+        performCapture(true, Platform::current().workspace().mouseLocation());
+        return;
+    }
+    const qint64 token = ++m_captureToken;
+    m_isCapturing = false;
+    const auto appName = frontmostName();
+    ScreenCapture &screenCapture = Platform::current().screenCapture();
+    if (!screenCapture.preflightAccess())
+        screenCapture.requestAccess();
+    ResultPanelManager::shared().closeUnpinned();
+    ScreenSelectionController::shared().begin([self = QPointer(this), token, appName](std::optional<QRectF> rect) {
+        if (self && rect && self->isCurrent(token))
+            self->performRegionOCR(*rect, token, appName);
+    });
+}
+
+QCoro::Task<> AppDelegate::performRegionOCR(QRectF rect, qint64 token, std::optional<QString> appName)
+{
+    const QPointer self(this);
+    m_isCapturing = true;
+    const Model model = showOCRProgress(token, rect, appName);
+    const auto onProgress = [self, token, model](OCRProgress progress) {
+        if (self && self->isCurrent(token))
+            model->updateOCRProgress(progress);
+    };
+    const OCRResult result = co_await OCRCapturer::recognizeText(rect, onProgress);
+    if (!self || !isCurrent(token))
+        co_return;
+    m_isCapturing = false;
+    switch (result.kind) {
+    case OCRResult::Kind::text:
+        model->finishOCR(result.text, std::nullopt);
+        configure(model);
+        translate(result.text, model, Settings::shared().currentProviderID);
+        break;
+    case OCRResult::Kind::noText:
+        model->finishOCR(std::nullopt, t(Str::messageOCRNoText));
+        break;
+    case OCRResult::Kind::permissionDenied:
+        model->finishOCR(std::nullopt, noOCRTextMessage());
+        break;
+    }
+}
+
+void AppDelegate::present(const CaptureResult &capture, Model existingModel)
+{
+    const Model model = existingModel ? existingModel : std::make_shared<ResultViewModel>(capture);
+    configure(model);
+    if (!existingModel)
+        ResultPanelManager::shared().show(model, capture.bounds);
+    translate(capture.text, model, Settings::shared().currentProviderID);
+}
+
+void AppDelegate::configure(const Model &model)
+{
+    const QPointer self(this);
+    const std::weak_ptr weakModel = model;
+    // The callbacks live in the model: holding it strongly would keep it alive for ever.
+    const auto retranslate = [self, weakModel](const QUuid &providerID) {
+        const auto target = weakModel.lock();
+        if (self && target)
+            self->translate(target->sourceText, target, providerID);
+    };
+    model->onSelectProvider = [retranslate](QUuid id) {
+        Settings::shared().currentProviderID = id;
+        retranslate(id);
+    };
+    model->onSelectLanguage = [retranslate](const QString &) {
+        retranslate(Settings::shared().currentProviderID);
+    };
+    model->onSelectSourceLanguage = model->onSelectLanguage;
+    model->onSubmitSource = [self, weakModel] {
+        const auto target = weakModel.lock();
+        if (!self || !target)
+            return;
+        const QString text = trimmed(target->sourceText);
+        if (!text.isEmpty())
+            self->translate(text, target, Settings::shared().currentProviderID);
+    };
+}
+
+void AppDelegate::translate(const QString &text, const Model &model, const QUuid &providerID)
+{
+    model->isLoading = true;
+    model->errorMessage = std::nullopt;
+    model->note = std::nullopt;
+    model->translatedText = QString();
+    resizePanel(*model);
+    runTranslation(text, model, providerID);
+}
+
+QCoro::Task<> AppDelegate::runTranslation(QString text, Model model, QUuid providerID)
+{
+    const auto onDelta = [model, lastResize = Clock::distantPast()](const QString &partial) mutable {
+        model->translatedText = partial;
+        model->isLoading = false;
+        const auto now = Platform::current().clock().now();
+        if (now - lastResize > resizeInterval) {
+            lastResize = now;
+            resizePanel(*model);
+        }
+    };
+    try {
+        const TranslationResult result =
+            co_await Translator::shared().translate(text, Settings::shared().targetLanguage,
+                                                    model->sourceLanguage, providerID, onDelta);
+        model->translatedText = result.translatedText;
+        model->phonetic = result.dictionary ? result.dictionary->phonetic : std::nullopt;
+        model->meanings = result.dictionary ? result.dictionary->meanings : QStringList();
+        model->providerName = result.providerName;
+        model->note = result.note;
+    } catch (const TranslationError &error) {
+        model->errorMessage = formatted(t(Str::resultTranslateFailed), {error.localizedDescription()});
+    }
+    model->isLoading = false;
+    resizePanel(*model);
+}
+
+void AppDelegate::triggerInputTranslation()
+{
+    ResultPanelManager::shared().closeUnpinned();
+    const auto model = std::make_shared<ResultViewModel>(CaptureResult{});
+    model->isInputPanel = true;
+    model->isLoading = false;
+    configure(model);
+    ResultPanelManager::shared().show(model, std::nullopt);
+}
+
+} // namespace tovi

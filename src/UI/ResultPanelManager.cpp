@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#include "UI/ResultPanelManager.h"
+
+#include <algorithm>
+
+#include "Platform/Platform.h"
+#include "UI/ResultPanelController.h"
+
+namespace tovi {
+
+ResultPanelManager &ResultPanelManager::shared()
+{
+    return Platform::current().shared<ResultPanelManager>();
+}
+
+void ResultPanelManager::show(const std::shared_ptr<ResultViewModel> &model, std::optional<QRectF> near)
+{
+    closeUnpinned();
+    auto controller = std::make_shared<ResultPanelController>();
+    controller->onClosed = [this, weak = std::weak_ptr(controller)] {
+        if (const auto closed = weak.lock())
+            std::erase(m_panels, closed);
+    };
+    m_panels.push_back(controller);
+    controller->show(model, near);
+}
+
+void ResultPanelManager::closeUnpinned()
+{
+    const auto firstUnpinned = std::stable_partition(m_panels.begin(), m_panels.end(),
+                                                     [](const auto &panel) { return panel->isPinned(); });
+    const std::vector<std::shared_ptr<ResultPanelController>> unpinned(firstUnpinned, m_panels.end());
+    m_panels.erase(firstUnpinned, m_panels.end());
+    for (const auto &panel : unpinned)
+        panel->close();
+}
+
+} // namespace tovi

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <QRectF>
+
+namespace tovi {
+
+class ResultPanelController;
+class ResultViewModel;
+
+/// The open result panels, in the order they were shown; holds the only strong reference to each. Main thread.
+class ResultPanelManager
+{
+public:
+    static ResultPanelManager &shared();
+
+    /// Shows a new panel, closing every unpinned one first. `near`: the selection, in points, origin
+    /// bottom-left of the primary screen, y up; none places the panel by the pointer.
+    void show(const std::shared_ptr<ResultViewModel> &model, std::optional<QRectF> near);
+    void closeUnpinned();
+
+private:
+    std::vector<std::shared_ptr<ResultPanelController>> m_panels;
+};
+
+} // namespace tovi

@@ -3,6 +3,7 @@
 
 #include <optional>
 
+#include <QJsonArray>
 #include <QJsonObject>
 #include <QList>
 #include <QString>
@@ -42,6 +43,7 @@ struct ProviderConfig
     static std::optional<ProviderConfig> fromJson(const QJsonValue &json);
     /// The whole array, or nothing when one element does not decode.
     static std::optional<QList<ProviderConfig>> listFromJson(const QJsonValue &json);
+    static QJsonArray listToJson(const QList<ProviderConfig> &list);
 
     static QString defaultSystemPrompt();
     static ProviderConfig makeGoogle();
@@ -50,5 +52,7 @@ struct ProviderConfig
 
 /// The canonical upper-case text of an identifier, without braces.
 QString canonicalText(const QUuid &id);
+/// Reads the canonical form, in upper or lower case.
+std::optional<QUuid> uuidFromCanonicalText(const QString &text);
 
 } // namespace tovi

@@ -37,7 +37,8 @@ void AppDelegate::applicationDidFinishLaunching()
 void AppDelegate::handleArguments(const QStringList &arguments)
 {
     const auto unavailable = [](const char *what) {
-        Platform::current().systemLog().write(QStringLiteral("Tovi: this build has no ") + QLatin1String(what));
+        Platform::current().systemLog().write(QStringLiteral("Tovi: this build has no ") +
+                                              QLatin1String(what));
     };
     if (arguments.contains(QStringLiteral("--settings")))
         unavailable("settings window");
@@ -56,8 +57,8 @@ void AppDelegate::setupHotKeys()
 {
     registerHotKeys();
     NotificationCenter &center = Platform::current().notificationCenter();
-    m_observers.push_back(
-        center.observe(Settings::hotKeysChangedNotification, [this](const QVariantMap &) { hotKeysChanged(); }));
+    m_observers.push_back(center.observe(Settings::hotKeysChangedNotification,
+                                         [this](const QVariantMap &) { hotKeysChanged(); }));
     m_observers.push_back(
         center.observe(QStringLiteral("com.brevoll.tovi.hotKeyRecordingChanged"),
                        [this](const QVariantMap &userInfo) { hotKeyRecordingChanged(userInfo); }));

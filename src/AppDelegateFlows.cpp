@@ -155,10 +155,11 @@ void AppDelegate::triggerOCR()
     if (!screenCapture.preflightAccess())
         screenCapture.requestAccess();
     ResultPanelManager::shared().closeUnpinned();
-    ScreenSelectionController::shared().begin([self = QPointer(this), token, appName](std::optional<QRectF> rect) {
-        if (self && rect && self->isCurrent(token))
-            self->performRegionOCR(*rect, token, appName);
-    });
+    ScreenSelectionController::shared().begin(
+        [self = QPointer(this), token, appName](std::optional<QRectF> rect) {
+            if (self && rect && self->isCurrent(token))
+                self->performRegionOCR(*rect, token, appName);
+        });
 }
 
 QCoro::Task<> AppDelegate::performRegionOCR(QRectF rect, qint64 token, std::optional<QString> appName)
@@ -248,9 +249,8 @@ QCoro::Task<> AppDelegate::runTranslation(QString text, Model model, QUuid provi
         }
     };
     try {
-        const TranslationResult result =
-            co_await Translator::shared().translate(text, Settings::shared().targetLanguage,
-                                                    model->sourceLanguage, providerID, onDelta);
+        const TranslationResult result = co_await Translator::shared().translate(
+            text, Settings::shared().targetLanguage, model->sourceLanguage, providerID, onDelta);
         model->translatedText = result.translatedText;
         model->phonetic = result.dictionary ? result.dictionary->phonetic : std::nullopt;
         model->meanings = result.dictionary ? result.dictionary->meanings : QStringList();

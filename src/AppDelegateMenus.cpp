@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "AppDelegate.h"
 
-
 #include "Localization.h"
 #include "Platform/Application.h"
 #include "Platform/Platform.h"
@@ -19,7 +18,8 @@ QString title(Str key)
 
 QString titleWithKeys(Str key, const HotKey &keys)
 {
-    return title(key) + QStringLiteral("    ") + keys.displayString().replace(QLatin1Char('&'), QLatin1String("&&"));
+    return title(key) + QStringLiteral("    ") +
+           keys.displayString().replace(QLatin1Char('&'), QLatin1String("&&"));
 }
 
 } // namespace
@@ -44,7 +44,8 @@ void AppDelegate::rebuildMenu(QMenu *menu)
 {
     const Settings &settings = Settings::shared();
     menu->clear();
-    menu->addAction(titleWithKeys(Str::menuCapture, settings.captureHotKey), this, &AppDelegate::triggerCapture);
+    menu->addAction(titleWithKeys(Str::menuCapture, settings.captureHotKey), this,
+                    &AppDelegate::triggerCapture);
     menu->addAction(titleWithKeys(Str::menuOCR, settings.ocrHotKey), this, &AppDelegate::triggerOCR);
     menu->addAction(titleWithKeys(Str::menuInput, settings.inputHotKey), this,
                     &AppDelegate::triggerInputTranslation);

@@ -11,7 +11,8 @@ class QWidget;
 namespace tovi {
 
 /// A borderless floating top-level window: above other windows, on all workspaces, in no taskbar or task
-/// switcher. May be destroyed inside its own callbacks and inside events of its content. Frames in points, origin bottom-left of the primary screen, y up. Main thread.
+/// switcher. May be destroyed inside its own callbacks and inside events of its content. Frames in points,
+/// origin bottom-left of the primary screen, y up. Main thread.
 class Panel
 {
 public:

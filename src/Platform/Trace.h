@@ -6,8 +6,9 @@
 
 #include <QtGlobal>
 
-/// Time marks for the benchmark and the demonstration: one line "name nanoseconds key=number..." each, written
-/// to the file descriptor that TOVI_TRACE_FD names; the time is CLOCK_MONOTONIC. Off otherwise. Never text.
+/// Time marks for the benchmark and the demonstration: one line "name nanoseconds key=number..." each,
+/// written to the file descriptor that TOVI_TRACE_FD names; the time is CLOCK_MONOTONIC. Off otherwise. Never
+/// text.
 namespace tovi::Trace {
 
 using Number = std::pair<const char *, qint64>;

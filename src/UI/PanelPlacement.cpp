@@ -21,8 +21,8 @@ QRectF visibleFrame(QPointF containing, const QList<Screen> &screens, const std:
 {
     for (const Screen &screen : screens) {
         const QRectF &f = screen.frame;
-        if (containing.x() >= f.left() && containing.x() < f.right() && containing.y() >= f.top()
-            && containing.y() < f.bottom())
+        if (containing.x() >= f.left() && containing.x() < f.right() && containing.y() >= f.top() &&
+            containing.y() < f.bottom())
             return screen.visibleFrame;
     }
     if (mainScreen)
@@ -35,8 +35,9 @@ QPointF originNear(const QRectF &anchor, QSizeF panel, const QRectF &visible)
     double y = anchor.top() - panel.height() - margin;
     if (y < visible.top() + margin)
         y = anchor.bottom() + margin;
-    return {std::min(visible.right() - panel.width() - margin, std::max(anchor.left(), visible.left() + margin)),
-            std::min(visible.bottom() - panel.height() - margin, std::max(y, visible.top() + margin))};
+    return {
+        std::min(visible.right() - panel.width() - margin, std::max(anchor.left(), visible.left() + margin)),
+        std::min(visible.bottom() - panel.height() - margin, std::max(y, visible.top() + margin))};
 }
 
 QPointF originCentered(QSizeF panel, const QRectF &visible)

@@ -25,7 +25,8 @@ double panelWidth(double setting);
 double panelHeight(double contentHeight, const std::optional<Screen> &mainScreen);
 
 /// The part of a screen that panels may cover: of the screen at the point, else the main one, else the first.
-QRectF visibleFrame(QPointF containing, const QList<Screen> &screens, const std::optional<Screen> &mainScreen);
+QRectF visibleFrame(QPointF containing, const QList<Screen> &screens,
+                    const std::optional<Screen> &mainScreen);
 
 /// Below the anchor with left edges aligned, above it where there is no room, inside the visible frame.
 QPointF originNear(const QRectF &anchor, QSizeF panel, const QRectF &visibleFrame);

@@ -95,8 +95,7 @@ void ResultPanelController::resize()
         return;
     const double width = panelWidth();
     const QRectF old = m_panel->frame();
-    const double height =
-        PanelPlacement::panelHeight(m_view->contentHeight(width), workspace().mainScreen());
+    const double height = PanelPlacement::panelHeight(m_view->contentHeight(width), workspace().mainScreen());
     m_panel->setFrame(QRectF(old.x(), old.y() - (height - old.height()), width, height));
     clampOnScreen();
 }

@@ -12,7 +12,8 @@ namespace tovi {
 class ResultPanelController;
 class ResultViewModel;
 
-/// The open result panels, in the order they were shown; holds the only strong reference to each. Main thread.
+/// The open result panels, in the order they were shown; holds the only strong reference to each. Main
+/// thread.
 class ResultPanelManager
 {
 public:

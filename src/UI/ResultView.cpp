@@ -116,8 +116,8 @@ ResultView::ResultView(std::shared_ptr<ResultViewModel> model)
     m_copy->setAutoRaise(true);
     connect(m_copy, &QToolButton::clicked, this, [this] { m_model->copyResult(); });
 
-    for (QAbstractScrollArea *area : {static_cast<QAbstractScrollArea *>(m_source),
-                                      static_cast<QAbstractScrollArea *>(m_translation)}) {
+    for (QAbstractScrollArea *area :
+         {static_cast<QAbstractScrollArea *>(m_source), static_cast<QAbstractScrollArea *>(m_translation)}) {
         area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
         area->viewport()->setAutoFillBackground(false);
     }
@@ -275,8 +275,9 @@ void ResultView::paintEvent(QPaintEvent *)
 
     if (Trace::isEnabled()) {
         const bool hasText = !m_model->translatedText->isEmpty();
-        Trace::mark(hasText ? "textPainted" : "panelPainted",
-                    {{"loading", m_model->isLoading ? 1 : 0}, {"failed", m_model->errorMessage.get() ? 1 : 0}});
+        Trace::mark(
+            hasText ? "textPainted" : "panelPainted",
+            {{"loading", m_model->isLoading ? 1 : 0}, {"failed", m_model->errorMessage.get() ? 1 : 0}});
     }
 }
 

@@ -1,0 +1,237 @@
+// SPDX-License-Identifier: MIT
+#include <QPlainTextEdit>
+#include <QSemaphore>
+#include <QTextEdit>
+#include <gtest/gtest.h>
+
+#include "AppDelegate.h"
+#include "HotKeyStatus.h"
+#include "Localization.h"
+#include "Settings.h"
+#include "Support/TestPlatform.h"
+
+namespace tovi {
+namespace {
+
+using Slot = HotKeyStatus::Slot;
+using namespace std::chrono_literals;
+
+constexpr HotKey optionD{2, HotKey::option};
+constexpr HotKey optionS{1, HotKey::option};
+constexpr HotKey optionT{17, HotKey::option};
+
+class AppDelegateTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        platform.userDefaults().values[QStringLiteral("ocrEnabled")] = false;
+        platform.translationFramework().onOpen = [this](auto &request) { request.handler(session); };
+        for (const ProviderConfig &provider : Settings::shared().providers.get()) {
+            if (provider.kind == ProviderKind::apple)
+                Settings::shared().currentProviderID = provider.id;
+        }
+        delegate.applicationDidFinishLaunching();
+    }
+
+    std::shared_ptr<TestElement> select(const QString &text)
+    {
+        auto element = std::make_shared<TestElement>();
+        element->attributes[QStringLiteral("AXSelectedText")] = {AXError::None, text};
+        platform.accessibility().systemWide->attributes[QStringLiteral("AXFocusedUIElement")] = {
+            AXError::None, AXElement(element)};
+        return element;
+    }
+    bool press(const HotKey &keys) { return platform.hotKeyCenter().press(keys.keyCode, keys.modifiers); }
+
+    struct Shown
+    {
+        QString source;
+        QString result;
+        bool operator==(const Shown &) const = default;
+    };
+    QList<Shown> shown()
+    {
+        drainMainQueue();
+        QList<Shown> texts;
+        for (const auto *panel : platform.panelHost().open) {
+            if (panel->visible)
+                texts.append({panel->content->findChild<QPlainTextEdit *>()->toPlainText(),
+                              panel->content->findChild<QTextEdit *>()->toPlainText()});
+        }
+        return texts;
+    }
+    bool showsSource(const QString &text)
+    {
+        return waitUntil([&] { return !shown().isEmpty() && shown().first().source == text; });
+    }
+    bool showsResult(const QString &text)
+    {
+        return waitUntil([&] { return !shown().isEmpty() && shown().first().result == text; });
+    }
+
+    TestPlatform platform;
+    std::shared_ptr<TestTranslationSession> session = std::make_shared<TestTranslationSession>();
+    AppDelegate delegate;
+};
+
+TEST_F(AppDelegateTest, RegistersEachShortcutOnceAndReportsTheRest)
+{
+    struct Case
+    {
+        HotKey capture, ocr, input;
+        QList<TestHotKeyCenter::Keys> taken;
+        QSet<Slot> failed, duplicates;
+        size_t registrations;
+    };
+    const Case cases[] = {
+        {optionD, optionS, optionT, {}, {}, {}, 3},
+        {optionD, optionD, optionT, {}, {}, {Slot::capture, Slot::ocr}, 2},
+        {optionD, optionD, optionD, {}, {}, {Slot::capture, Slot::ocr, Slot::input}, 1},
+        {optionD, optionS, optionT, {{1, HotKey::option}}, {Slot::ocr}, {}, 2},
+        {{2, 0}, {0, HotKey::option}, optionT, {}, {}, {}, 1},
+        {{2, 0}, {2, 0}, {2, 0}, {}, {}, {}, 0},
+    };
+    for (const Case &c : cases) {
+        platform.hotKeyCenter().takenByOthers = c.taken;
+        Settings::shared().captureHotKey = c.capture;
+        Settings::shared().ocrHotKey = c.ocr;
+        Settings::shared().inputHotKey = c.input;
+        EXPECT_EQ(HotKeyStatus::shared().failed.get(), c.failed);
+        EXPECT_EQ(HotKeyStatus::shared().duplicates.get(), c.duplicates);
+        EXPECT_EQ(platform.hotKeyCenter().registered.size(), c.registrations);
+    }
+}
+
+TEST_F(AppDelegateTest, RecordingSuspendsAllButTheInputShortcut)
+{
+    const QString name = QStringLiteral("com.brevoll.tovi.hotKeyRecordingChanged");
+    auto &center = platform.notificationCenter();
+    center.post(name, {{QStringLiteral("recording"), true}});
+    Settings::shared().captureHotKey = HotKey{3, HotKey::command};
+    EXPECT_FALSE(press(optionD));
+    EXPECT_FALSE(press({3, HotKey::command}));
+    EXPECT_TRUE(press(optionT));
+    center.post(name, {{QStringLiteral("recording"), QStringLiteral("true")}});
+    EXPECT_TRUE(press({3, HotKey::command}));
+    EXPECT_TRUE(press(optionS));
+}
+
+TEST_F(AppDelegateTest, AShortcutTurnsTheSelectionIntoATranslation)
+{
+    const auto element = select(QStringLiteral(" good morning "));
+    element->attributes[QStringLiteral("AXSelectedTextRange")] = {AXError::None, AXRange{0, 3}};
+    element->parameterized[QStringLiteral("AXBoundsForRange")] = [](const AXValue &) {
+        return AXResult{AXError::None, QRectF(100, 200, 50, 20)};
+    };
+    ASSERT_TRUE(press(optionD));
+    ASSERT_TRUE(showsResult(QStringLiteral("GOOD MORNING")));
+    EXPECT_EQ(shown().first().source, QStringLiteral(" good morning "));
+    const auto *panel = platform.panelHost().open.first();
+    EXPECT_TRUE(panel->key);
+    EXPECT_EQ(panel->currentFrame, QRectF(100, 900 - 220 - 8 - 280, 380, 280));
+    EXPECT_EQ(platform.application().beeps, 0);
+    EXPECT_EQ(platform.clock().pendingActions(), 0) << "the watchdog must end with its capture";
+}
+
+TEST_F(AppDelegateTest, SaysWhyThereIsNoText)
+{
+    press(optionD);
+    EXPECT_TRUE(showsSource(Localization::shared().t(Str::messageNoText)));
+    EXPECT_EQ(platform.application().beeps, 1);
+
+    platform.accessibility().trusted = false;
+    press(optionD);
+    EXPECT_TRUE(showsSource(Localization::shared().t(Str::messageNeedAccessibility)));
+    EXPECT_EQ(platform.application().beeps, 1);
+    EXPECT_EQ(platform.accessibility().trustRequests, 1);
+    EXPECT_EQ(shown().size(), 1) << "a new panel replaces the unpinned one";
+}
+
+TEST_F(AppDelegateTest, AHungCaptureIsAbandonedAndItsLateResultDropped)
+{
+    const auto element = select(QStringLiteral("late"));
+    QSemaphore asked;
+    QSemaphore answer;
+    element->onRequest = [&](const QString &) {
+        asked.release();
+        answer.acquire();
+    };
+    press(optionD);
+    ASSERT_TRUE(waitUntil([&] { return asked.tryAcquire(); }));
+    platform.clock().advance(3900ms);
+    EXPECT_TRUE(shown().isEmpty());
+    platform.clock().advance(200ms);
+    EXPECT_TRUE(showsSource(Localization::shared().t(Str::messageTimeout)));
+    EXPECT_EQ(platform.application().beeps, 1);
+
+    answer.release(100);
+    element->onRequest = nullptr;
+    select(QStringLiteral("next"));
+    press(optionD);
+    EXPECT_TRUE(showsResult(QStringLiteral("NEXT")));
+    EXPECT_EQ(shown().size(), 1);
+}
+
+TEST_F(AppDelegateTest, ASecondPressSupersedesTheFirst)
+{
+    const auto slow = select(QStringLiteral("first"));
+    QSemaphore asked;
+    QSemaphore answer;
+    slow->onRequest = [&](const QString &) {
+        asked.release();
+        answer.acquire();
+    };
+    press(optionD);
+    ASSERT_TRUE(waitUntil([&] { return asked.tryAcquire(); }));
+    select(QStringLiteral("second"));
+    press(optionD);
+    drainMainQueue();
+    answer.release(100);
+    EXPECT_TRUE(showsResult(QStringLiteral("SECOND")));
+    EXPECT_EQ(shown(), (QList<Shown>{{QStringLiteral("second"), QStringLiteral("SECOND")}}));
+}
+
+TEST_F(AppDelegateTest, TwoHundredPressesLeaveOnePanel)
+{
+    select(QStringLiteral("again"));
+    for (int i = 0; i < 200; ++i) {
+        press(optionD);
+        if (i % 3 == 0)
+            drainMainQueue();
+    }
+    EXPECT_TRUE(showsResult(QStringLiteral("AGAIN")));
+    EXPECT_EQ(platform.panelHost().open.size(), 1);
+    platform.panelHost().open.first()->onEscape();
+    drainMainQueue();
+    EXPECT_TRUE(platform.panelHost().open.isEmpty());
+}
+
+TEST_F(AppDelegateTest, TheInputPanelTranslatesWhatIsSubmitted)
+{
+    press(optionT);
+    ASSERT_TRUE(showsSource(QString()));
+    auto *source = platform.panelHost().open.first()->content->findChild<QPlainTextEdit *>();
+    const auto submit = [&](const QString &text) {
+        source->setPlainText(text);
+        QKeyEvent key(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+        QCoreApplication::sendEvent(source, &key);
+    };
+    submit(QStringLiteral("  \n "));
+    EXPECT_EQ(shown().first().result, QString());
+    submit(QStringLiteral("  typed\n"));
+    EXPECT_TRUE(showsResult(QStringLiteral("TYPED")));
+}
+
+TEST_F(AppDelegateTest, AFailedTranslationSaysSo)
+{
+    select(QStringLiteral("words"));
+    session->answer = [](const QString &) -> QString {
+        throw TranslationFrameworkError(QStringLiteral("the engine is gone"));
+    };
+    press(optionD);
+    EXPECT_TRUE(showsResult(QStringLiteral("Translation failed: the engine is gone")));
+}
+
+} // namespace
+} // namespace tovi

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ProviderConfig.h"
 
+#include <cmath>
+
 namespace tovi {
 
 namespace {
@@ -125,8 +127,8 @@ std::optional<ProviderConfig> ProviderConfig::fromJson(const QJsonValue &json)
     const auto kind = ProviderKinds::fromRawValue(object.value(kindKey).toString());
     const QJsonValue icon = object.value(iconNameKey);
     const QJsonValue builtIn = object.value(isBuiltInKey);
-    if (!id || !kind || !object.value(temperatureKey).isDouble() || !object.value(fallbackKey).isBool()
-        || !(icon.isString() || isAbsent(icon)) || !(builtIn.isBool() || isAbsent(builtIn))) {
+    if (!id || !kind || !object.value(temperatureKey).isDouble() || !object.value(fallbackKey).isBool() ||
+        !(icon.isString() || isAbsent(icon)) || !(builtIn.isBool() || isAbsent(builtIn))) {
         return std::nullopt;
     }
     return ProviderConfig{
@@ -158,11 +160,14 @@ std::optional<QList<ProviderConfig>> ProviderConfig::listFromJson(const QJsonVal
     return list;
 }
 
-QJsonArray ProviderConfig::listToJson(const QList<ProviderConfig> &list)
+std::optional<QJsonArray> ProviderConfig::listToJson(const QList<ProviderConfig> &list)
 {
     QJsonArray array;
-    for (const ProviderConfig &config : list)
+    for (const ProviderConfig &config : list) {
+        if (!std::isfinite(config.temperature))
+            return std::nullopt;
         array << config.toJson();
+    }
     return array;
 }
 

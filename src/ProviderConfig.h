@@ -43,7 +43,8 @@ struct ProviderConfig
     static std::optional<ProviderConfig> fromJson(const QJsonValue &json);
     /// The whole array, or nothing when one element does not decode.
     static std::optional<QList<ProviderConfig>> listFromJson(const QJsonValue &json);
-    static QJsonArray listToJson(const QList<ProviderConfig> &list);
+    /// None when a number in it has no JSON form.
+    static std::optional<QJsonArray> listToJson(const QList<ProviderConfig> &list);
 
     static QString defaultSystemPrompt();
     static ProviderConfig makeGoogle();

@@ -60,6 +60,12 @@ public:
 
     /// Sets the value without announcing or running the after-change action (loading).
     void load(T value) { m_value = std::move(value); }
+    /// Sets and announces the value without running the after-change action (loading that ends late).
+    void announce(T value)
+    {
+        m_owner->m_willChange.emitToAll();
+        m_value = std::move(value);
+    }
 
 private:
     Observable *m_owner;

@@ -51,7 +51,8 @@ TEST_F(ResultViewModelTest, NamesWhatIsChosen)
     model->sourceLanguage = QStringLiteral("zh-TW");
     EXPECT_EQ(model->currentSourceLanguageName(), QStringLiteral("繁體中文"));
 
-    ProviderConfig engine{.id = QUuid::createUuid(), .name = QStringLiteral("Mine"), .kind = ProviderKind::openAI};
+    ProviderConfig engine{
+        .id = QUuid::createUuid(), .name = QStringLiteral("Mine"), .kind = ProviderKind::openAI};
     engine.iconName = QStringLiteral("star");
     model->providers << engine;
     model->currentProviderID = engine.id;
@@ -98,7 +99,8 @@ TEST_F(ResultViewModelTest, FollowsARecognition)
     model->finishOCR({}, QStringLiteral("no text"));
     EXPECT_EQ(model->sourceText.get(), QStringLiteral("source"));
     EXPECT_EQ(model->errorMessage.get(), QStringLiteral("no text"));
-    EXPECT_FALSE(model->ocrProgress.get() || model->ocrStartedAt.get() || model->isLoading || model->onDismiss);
+    EXPECT_FALSE(model->ocrProgress.get() || model->ocrStartedAt.get() || model->isLoading ||
+                 model->onDismiss);
     model->finishOCR(QStringLiteral("read"), {});
     EXPECT_EQ(model->sourceText.get(), QStringLiteral("read"));
     EXPECT_FALSE(model->errorMessage.get());

@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include "Settings.h"
 #include "Support/TestPlatform.h"
 
 namespace tovi {
@@ -27,8 +26,7 @@ protected:
     static std::shared_ptr<TestElement> holding(const QString &text)
     {
         const auto element = std::make_shared<TestElement>();
-        element->attributes = {{QStringLiteral("AXSelectedText"), {AXError::None, text}},
-                               {QStringLiteral("AXSelectedTextRange"), {AXError::None, AXRange{0, 1}}}};
+        element->attributes[QStringLiteral("AXSelectedText")] = {AXError::None, text};
         return element;
     }
     void focus(const std::shared_ptr<TestElement> &element)
@@ -43,30 +41,21 @@ protected:
 TEST_F(CaptureManagerTest, TheFocusedElementComesBeforeTheOneUnderThePointer)
 {
     const auto focused = holding(QStringLiteral(" focused "));
-    focused->parameterized[QStringLiteral("AXBoundsForRange")] = [](const AXValue &) {
+    focused->attributes[QStringLiteral("AXSelectedTextRange")] = {AXError::None, AXRange{0, 1}};
+    focused->parameterized[QStringLiteral("AXBoundsForRange")] = [this](const AXValue &) {
+        platform.clock().wait(std::chrono::milliseconds(200));
         return AXResult{AXError::None, QRectF(5, 100, 50, 20)};
     };
-    focused->onRequest = [this](const QString &) { platform.clock().wait(std::chrono::milliseconds(100)); };
     focus(focused);
     systemWide.atPosition = {AXError::None, AXElement(holding(QStringLiteral("pointed")))};
     platform.workspace().frontmost = RunningApplication{QStringLiteral("Editor"), {}, 1};
-
-    auto result = finished(start());
-    ASSERT_TRUE(result);
-    EXPECT_NEAR(result->duration, 0.2, 1e-9); // two attributes, each answered after 0.1 s
-    result->duration = 0;
-    EXPECT_EQ(*result, (CaptureResult{.text = QStringLiteral(" focused "),
-                                      .source = CaptureSource::accessibility,
-                                      .bounds = QRectF(5, 780, 50, 20),
-                                      .appName = QStringLiteral("Editor")}));
+    EXPECT_EQ(finished(start()), (CaptureResult{QStringLiteral(" focused "), CaptureSource::accessibility,
+                                                QRectF(5, 780, 50, 20), QStringLiteral("Editor"), 0.2}));
 
     focus(holding(QStringLiteral(" \n")));
     platform.workspace().frontmost->localizedName.clear();
-    result = finished(start());
-    ASSERT_TRUE(result);
-    EXPECT_EQ(*result, (CaptureResult{.text = QStringLiteral("pointed"),
-                                      .source = CaptureSource::accessibility,
-                                      .duration = result->duration}));
+    EXPECT_EQ(finished(start()),
+              (CaptureResult{QStringLiteral("pointed"), CaptureSource::accessibility, {}, {}, 0}));
 }
 
 TEST_F(CaptureManagerTest, LooksWhereThePointerIsUnlessTold)
@@ -77,18 +66,13 @@ TEST_F(CaptureManagerTest, LooksWhereThePointerIsUnlessTold)
     EXPECT_FALSE(finished(start(false, QPointF(30, 1200))));
     workspace.screenList.clear();
     EXPECT_FALSE(finished(start()));
-    EXPECT_EQ(systemWide.positions, (QList<QPointF>{{700, 450}, {30, -300}, {700, -450}}));
-
     workspace.mouse.reset();
     EXPECT_FALSE(finished(start()));
-    EXPECT_EQ(systemWide.positions.size(), 3);
-}
+    EXPECT_EQ(systemWide.positions, (QList<QPointF>{{700, 450}, {30, -300}, {700, -450}}));
 
-TEST_F(CaptureManagerTest, RecognitionFirstAsksNoApplication)
-{
-    focus(holding(QStringLiteral("selected")));
+    systemWide.requests.clear();
     EXPECT_FALSE(finished(start(true)));
-    EXPECT_TRUE(systemWide.requests.isEmpty());
+    EXPECT_TRUE(systemWide.requests.isEmpty()); // recognition first asks no application
 }
 
 TEST_F(CaptureManagerTest, AHangingApplicationHoldsUpTheNextCaptureButNotTheMainThread)
@@ -101,7 +85,6 @@ TEST_F(CaptureManagerTest, AHangingApplicationHoldsUpTheNextCaptureButNotTheMain
             answering.acquire();
     };
     focus(hanging);
-
     const Future first = start();
     ASSERT_TRUE(waitUntil([&] { return asked == 1; }));
     const Future second = start();
@@ -114,11 +97,11 @@ TEST_F(CaptureManagerTest, AHangingApplicationHoldsUpTheNextCaptureButNotTheMain
 
     answering.release();
     ASSERT_TRUE(finished(first) && finished(second));
-    EXPECT_GE(first.result()->duration, 4);
+    EXPECT_EQ(first.result()->duration, 4);
     EXPECT_EQ(asked, 2);
 }
 
-TEST_F(CaptureManagerTest, DescribesItsSource)
+TEST_F(CaptureManagerTest, ResultsNameTheirSourceAndApplication)
 {
     CaptureResult result{.text = {}, .source = CaptureSource::ocr};
     EXPECT_EQ(result.sourceDescription(), QStringLiteral("OCR"));
@@ -126,11 +109,6 @@ TEST_F(CaptureManagerTest, DescribesItsSource)
     EXPECT_EQ(result.sourceDescription(), QStringLiteral("OCR"));
     result.appName = QStringLiteral("Editor");
     EXPECT_EQ(result.sourceDescription(), QStringLiteral("OCR · Editor"));
-
-    QSet<QString> names;
-    for (int i = 0; i <= static_cast<int>(CaptureSource::manual); ++i)
-        names << localizedName(static_cast<CaptureSource>(i));
-    EXPECT_EQ(names.size(), 7);
 }
 
 } // namespace

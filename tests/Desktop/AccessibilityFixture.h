@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "Desktop/DesktopSession.h"
+#include "DesktopSession.h"
 #include "Platform/DispatchQueue.h"
 #include "Platform/Linux/AtspiAccessibility.h"
 

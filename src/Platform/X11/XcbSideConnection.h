@@ -1,23 +1,18 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <cstdlib>
 #include <memory>
 #include <mutex>
 
 #include <QByteArray>
 #include <QHash>
 
-#include <xcb/xcb.h>
+#include "Platform/X11/Xcb.h"
 
 namespace tovi {
 
-struct XcbFree
-{
-    void operator()(void *memory) const { std::free(memory); }
-};
 template <class T>
-using XcbReply = std::unique_ptr<T, XcbFree>;
+using XcbReply = XcbOwned<T>;
 
 /// A connection to the X server of our own, for questions asked off the main thread. Made on first use and
 /// again after the server went away; nobody reads it in between. Hold the lock while using it.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Desktop/DesktopSession.h"
+#include "DesktopSession.h"
 
 #include <csignal>
 

@@ -28,7 +28,8 @@ QString displayName(AppLanguage language);
 AppLanguage resolved(const QString &code);
 } // namespace AppLanguages
 
-/// The interface language and its texts. Main thread; t() and resolvedLanguage() from any thread.
+/// The interface language and its texts. Made and assigned on the main thread; t() and resolvedLanguage()
+/// from any thread.
 class Localization : public Observable
 {
 public:
@@ -38,8 +39,9 @@ public:
     /// Assigning stores the choice and posts languageChangedNotification.
     Published<AppLanguage> language;
 
+    /// The language of the texts, never `system`: that one is looked up when made and at each assignment.
     AppLanguage resolvedLanguage() const;
-    /// The text in the resolved language, else in English.
+    /// The text in the resolved language, else in English. Shared with the table, never copied.
     QString t(Str key) const;
 
     static const QString languageChangedNotification; ///< "com.brevoll.tovi.languageChanged"
@@ -49,7 +51,8 @@ private:
 };
 
 /// Fills printf-style placeholders ("%@" text, "%d" integer) in one pass, in order: text inside an argument
-/// is never taken for a placeholder. "%%" is a percent sign.
+/// is never taken for a placeholder. "%%" is a percent sign. Placeholders beyond the arguments stay as they
+/// are.
 QString formatted(const QString &format, const QStringList &arguments);
 
 } // namespace tovi

@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: MIT
+#include "Localization.h"
+
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "Localization/Tables.h"
+#include "Support/TestPlatform.h"
+
+namespace tovi {
+
+// Readable failure messages.
+static void PrintTo(AppLanguage language, std::ostream *out)
+{
+    *out << AppLanguages::rawValue(language).toStdString();
+}
+
+namespace {
+
+using enum AppLanguage;
+
+struct Language
+{
+    AppLanguage language;
+    LocalizationTable table;
+};
+
+QList<Language> translations()
+{
+    return {{zhHans, simplifiedChineseTable()},
+            {zhHant, traditionalChineseTable()},
+            {ja, japaneseTable()},
+            {ko, koreanTable()},
+            {fr, frenchTable()},
+            {de, germanTable()},
+            {es, spanishTable()},
+            {ru, russianTable()}};
+}
+
+TEST(LocalizationTables, HaveEveryKeyOnceInOrder)
+{
+    const QSet<Str> onlyChinese{Str::ocrCapturing, Str::ocrRecognizing, Str::ocrElapsed, Str::ocrWaitHint};
+    for (const auto &[language, table] : translations() << Language{en, englishTable()}) {
+        QList<Str> expected;
+        for (int i = 0; i < strCount; ++i) {
+            const auto key = static_cast<Str>(i);
+            if (language == en || language == zhHans || language == zhHant || !onlyChinese.contains(key))
+                expected << key;
+        }
+        QList<Str> keys;
+        for (const auto &[key, text] : table)
+            keys << key;
+        EXPECT_EQ(keys, expected) << AppLanguages::rawValue(language).toStdString();
+    }
+    EXPECT_EQ(strCount, 165);
+}
+
+TEST(LocalizationTables, KeepPlaceholdersLineFeedsNamesAndSymbols)
+{
+    const QRegularExpression placeholder(QStringLiteral("%(.|$)|\\{\\{target\\}\\}"));
+    const auto placeholders = [&](const QString &text) {
+        QStringList found;
+        for (auto it = placeholder.globalMatch(text); it.hasNext();)
+            found << it.next().captured();
+        return found;
+    };
+    for (const auto &[language, table] : translations()) {
+        for (const auto &[key, utf8] : table) {
+            const QString text = QString::fromUtf8(utf8);
+            const QString english = QString::fromUtf8(englishTable()[static_cast<size_t>(key)].text);
+            const auto where = [&, language = language, key = key] {
+                return AppLanguages::rawValue(language).toStdString() + ' ' + rawValue(key).data();
+            };
+            EXPECT_EQ(placeholders(text), placeholders(english)) << where();
+            for (const char *kept : {"\n", "Tovi", "⌘", "⌥", "⌃", "⌫", "›", "·", "/Applications"})
+                EXPECT_EQ(text.count(QString::fromUtf8(kept)), english.count(QString::fromUtf8(kept)))
+                    << where() << ": " << kept;
+            EXPECT_EQ(text.endsWith(u'…'), english.endsWith(u'…')) << where();
+            EXPECT_FALSE(text.isEmpty() || text != text.trimmed() ||
+                         text.contains(QChar::ReplacementCharacter))
+                << where();
+        }
+    }
+}
+
+TEST(Localization, AnswersInTheChosenLanguageElseInEnglish)
+{
+    struct
+    {
+        AppLanguage language;
+        const char *capture, *ocrHint, *failed, *systemDefault, *ocrCapturing;
+    } const rows[] = {
+        {en, "Translate Selection", "Drag to select an area to recognize · Esc to cancel",
+         "Translation failed: %@", "System Default", "Capturing screen…"},
+        {zhHans, "划词翻译", "拖拽选择要识别的区域 · Esc 取消", "翻译失败：%@", "跟随系统", "正在截取屏幕…"},
+        {zhHant, "劃詞翻譯", "拖曳選取要辨識的區域 · Esc 取消", "翻譯失敗：%@", "跟隨系統", "正在擷取螢幕…"},
+        {ja, "選択範囲を翻訳", "ドラッグで範囲を選択 · Esc でキャンセル", "翻訳に失敗しました：%@",
+         "システムに従う", "Capturing screen…"},
+        {ko, "선택 텍스트 번역", "드래그하여 인식할 영역 선택 · Esc 취소", "번역 실패: %@", "시스템 기본값",
+         "Capturing screen…"},
+        {fr, "Traduire la sélection", "Glissez pour sélectionner une zone à reconnaître · Échap pour annuler",
+         "Échec de la traduction : %@", "Système par défaut", "Capturing screen…"},
+        {de, "Auswahl übersetzen", "Ziehen, um einen Bereich zu erkennen · Esc zum Abbrechen",
+         "Übersetzung fehlgeschlagen: %@", "Systemstandard", "Capturing screen…"},
+        {es, "Traducir selección", "Arrastra para seleccionar un área que reconocer · Esc para cancelar",
+         "Error de traducción: %@", "Predeterminado del sistema", "Capturing screen…"},
+        {ru, "Перевести выделенное", "Перетащите, чтобы выбрать область · Esc — отмена",
+         "Ошибка перевода: %@", "Как в системе", "Capturing screen…"},
+    };
+    TestPlatform platform;
+    auto &localization = Localization::shared();
+    for (const auto &row : rows) {
+        localization.language = row.language;
+        EXPECT_EQ(localization.resolvedLanguage(), row.language);
+        EXPECT_EQ(localization.t(Str::menuCapture), QString::fromUtf8(row.capture));
+        EXPECT_EQ(localization.t(Str::ocrHint), QString::fromUtf8(row.ocrHint));
+        EXPECT_EQ(localization.t(Str::resultTranslateFailed), QString::fromUtf8(row.failed));
+        EXPECT_EQ(localization.t(Str::systemDefault), QString::fromUtf8(row.systemDefault));
+        EXPECT_EQ(localization.t(Str::ocrCapturing), QString::fromUtf8(row.ocrCapturing));
+    }
+}
+
+TEST(Localization, FollowsTheFirstPreferredLanguageOfTheSystem)
+{
+    const std::pair<const char *, AppLanguage> rows[] = {
+        {"zh-Hant-TW", zhHant},
+        {"zh-HK", zhHant},
+        {"ZH-mo", zhHant},
+        {"zh_TW", zhHant},
+        {"zh", zhHans},
+        {"zh-SG", zhHans},
+        {"zh-Hans-CN", zhHans},
+        {"ja-JP", ja},
+        {"ko", ko},
+        {"fr-CA", fr},
+        {"de-AT", de},
+        {"es-419", es},
+        {"RU", ru},
+        {"pt-BR", en},
+        {"it-IT", en},
+        {"hant", en},
+        {"", en},
+    };
+    for (const auto &[code, expected] : rows) {
+        TestPlatform platform;
+        platform.application().languages = {QLatin1String(code), QStringLiteral("ko")};
+        EXPECT_EQ(Localization::shared().resolvedLanguage(), expected) << code;
+        EXPECT_EQ(Localization::shared().language.get(), AppLanguage::system);
+    }
+    TestPlatform platform;
+    platform.application().languages.clear();
+    EXPECT_EQ(Localization::shared().resolvedLanguage(), en);
+    platform.application().languages << QStringLiteral("zh-Hant-HK");
+    Localization::shared().language = AppLanguage::system;
+    EXPECT_EQ(Localization::shared().t(Str::menuCapture), QStringLiteral("劃詞翻譯"));
+}
+
+TEST(Localization, AnAssignmentIsStoredThenAnnouncedOnce)
+{
+    TestPlatform platform;
+    auto &localization = Localization::shared();
+    EXPECT_TRUE(platform.userDefaults().writes.isEmpty());
+    QStringList announced;
+    const Subscription subscription =
+        platform.notificationCenter().observe(Localization::languageChangedNotification, [&](const auto &) {
+            announced << platform.userDefaults().string(QStringLiteral("appLanguage")).value_or(QString())
+                      << localization.t(Str::menuCopy);
+        });
+    localization.language = zhHans;
+    localization.language = de;
+    EXPECT_EQ(announced, (QStringList{QStringLiteral("zh-Hans"), QStringLiteral("复制"), QStringLiteral("de"),
+                                      QStringLiteral("Kopieren")}));
+    EXPECT_EQ(Localization::languageChangedNotification, QStringLiteral("com.brevoll.tovi.languageChanged"));
+}
+
+TEST(Localization, LoadsTheStoredLanguageAndLeavesUnknownValuesAlone)
+{
+    const std::pair<QJsonValue, AppLanguage> rows[] = {
+        {QStringLiteral("zh-Hant"), zhHant},
+        {QStringLiteral("en"), en},
+        {QStringLiteral("system"), AppLanguage::system},
+        {QStringLiteral("tlh"), AppLanguage::system},
+        {QStringLiteral("DE"), AppLanguage::system},
+        {QJsonValue(7), AppLanguage::system},
+    };
+    for (const auto &[stored, expected] : rows) {
+        TestPlatform platform;
+        platform.userDefaults().values.insert(QStringLiteral("appLanguage"), stored);
+        EXPECT_EQ(Localization::shared().language.get(), expected);
+        EXPECT_EQ(platform.userDefaults().values.value(QStringLiteral("appLanguage")), stored);
+    }
+    for (const AppLanguage language : AppLanguages::all())
+        EXPECT_EQ(AppLanguages::fromRawValue(AppLanguages::rawValue(language)), language);
+}
+
+TEST(Localization, LookupsMayRunBesideALanguageChange)
+{
+    TestPlatform platform;
+    auto &localization = Localization::shared();
+    const QSet<QString> quits{QStringLiteral("Quit Tovi"), QStringLiteral("Tovi beenden"),
+                              QStringLiteral("Salir de Tovi")};
+    std::atomic<int> wrong = 0;
+    {
+        std::vector<std::jthread> threads;
+        for (int i = 0; i < 4; ++i) {
+            threads.emplace_back([&](const std::stop_token &stop) {
+                while (!stop.stop_requested())
+                    wrong += quits.contains(localization.t(Str::menuQuit)) ? 0 : 1;
+            });
+        }
+        for (int i = 0; i < 200; ++i)
+            localization.language = i % 2 ? de : es;
+    }
+    EXPECT_EQ(wrong, 0);
+}
+
+TEST(Formatted, FillsPlaceholdersInOnePass)
+{
+    struct
+    {
+        const char *format;
+        QStringList arguments;
+        const char *expected;
+    } const rows[] = {
+        {"HTTP %d: %@", {QStringLiteral("404"), QStringLiteral("a %@ and %d")}, "HTTP 404: a %@ and %d"},
+        {"%d%% of %@%", {QStringLiteral("5"), QStringLiteral("%%")}, "5% of %%%"},
+        {"%@ %@ %x", {QStringLiteral("one")}, "one %@ %x"},
+        {"none", {QStringLiteral("unused")}, "none"},
+    };
+    for (const auto &row : rows)
+        EXPECT_EQ(formatted(QLatin1String(row.format), row.arguments), QLatin1String(row.expected));
+}
+
+} // namespace
+} // namespace tovi

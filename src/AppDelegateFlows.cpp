@@ -14,7 +14,6 @@
 #include "Platform/Trace.h"
 #include "Platform/Workspace.h"
 #include "Settings.h"
-#include "Text.h"
 #include "Translation/Translator.h"
 #include "UI/ResultPanelManager.h"
 #include "UI/ResultViewModel.h"
@@ -221,7 +220,7 @@ void AppDelegate::configure(const Model &model)
         const auto target = weakModel.lock();
         if (!self || !target)
             return;
-        const QString text = trimmed(target->sourceText);
+        const QString text = target->sourceText->trimmed();
         if (!text.isEmpty())
             self->translate(text, target, Settings::shared().currentProviderID);
     };

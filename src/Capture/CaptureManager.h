@@ -32,15 +32,21 @@ public:
 
     static CaptureManager &shared();
 
-    /// The first text that a strategy yields, else none; never throws. `at` defaults to the pointer.
+    /// The first text that a strategy yields, else none; never throws. `at` defaults to the pointer; where
+    /// that is unknown too, the strategies that look at a place on the screen are left out.
     QCoro::Task<std::optional<CaptureResult>> capture(bool preferOCR, std::optional<QPointF> at,
                                                       ProgressHandler onOCRProgress);
 
 private:
     QCoro::Task<std::optional<CaptureResult>> captureInternal(bool preferOCR, std::optional<QPointF> at,
                                                               ProgressHandler onOCRProgress);
-    QFuture<std::optional<CaptureResult>> syncCapture(QPointF cursor, std::optional<QString> appName,
-                                                      double primaryHeight);
+    QFuture<std::optional<CaptureResult>> syncCapture(std::optional<QPointF> cursor,
+                                                      std::optional<QString> appName, double primaryHeight);
+    /// The strategies that block, cheapest first; the first text wins. Capture queue.
+    static std::optional<CaptureResult> performSyncCapture(std::optional<QPointF> cursor,
+                                                           const std::optional<QString> &appName,
+                                                           double primaryHeight,
+                                                           const CaptureOptions &options);
 
     DispatchQueue m_queue{QStringLiteral("com.brevoll.tovi.capture")};
 };

@@ -17,8 +17,9 @@ struct CaptureResult
 {
     QString text; ///< exactly as the strategy gave it, untrimmed
     CaptureSource source = CaptureSource::manual;
-    std::optional<QRectF> bounds; ///< the selection; points, origin bottom-left of the primary screen, y up
-    std::optional<QString> appName;
+    std::optional<QRectF> bounds =
+        {}; ///< the selection; points, origin bottom-left of the primary screen, y up
+    std::optional<QString> appName = {};
     double duration = 0; ///< seconds
 
     bool operator==(const CaptureResult &) const = default;

@@ -13,7 +13,8 @@ ScreenSelectionController &ScreenSelectionController::shared()
 
 void ScreenSelectionController::begin(const Completion &completion)
 {
-    Platform::current().systemLog().write(QStringLiteral("Tovi: this build cannot recognise text in a region"));
+    Platform::current().systemLog().write(
+        QStringLiteral("Tovi: this build cannot recognise text in a region"));
     completion(std::nullopt);
 }
 

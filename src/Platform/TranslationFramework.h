@@ -15,10 +15,22 @@ namespace tovi {
 class TranslationFrameworkError : public std::runtime_error
 {
 public:
-    explicit TranslationFrameworkError(const QString &description)
+    /// What a session found out about a text whose language it had to detect itself.
+    enum class Reason {
+        Failed,       ///< the translation itself went wrong
+        NotInstalled, ///< data for the language pair are missing
+        Unsupported,  ///< no data can serve the language pair
+    };
+
+    explicit TranslationFrameworkError(const QString &description, Reason reason = Reason::Failed)
         : std::runtime_error(description.toStdString())
+        , m_reason(reason)
     {}
     QString description() const { return QString::fromUtf8(what()); }
+    Reason reason() const { return m_reason; }
+
+private:
+    Reason m_reason;
 };
 
 /// Translates texts of one language pair; reused for the pair. Any thread, texts in the order given.

@@ -27,47 +27,54 @@ public:
     explicit ResultViewModel(const CaptureResult &capture);
 
     Published<QString> sourceText;
-    QList<ProviderConfig> providers;
+    QList<ProviderConfig> providers; ///< as they were when the panel opened
     Published<QUuid> currentProviderID;
-    Published<QString> targetLanguage;
-    Published<QString> sourceLanguage;
-    Published<std::optional<OCRProgress>> ocrProgress;
-    Published<std::optional<Clock::Time>> ocrStartedAt;
-    Published<QString> translatedText;
-    Published<std::optional<QString>> phonetic;
-    Published<QStringList> meanings;
-    Published<bool> isLoading;
-    Published<std::optional<QString>> errorMessage;
-    Published<std::optional<QString>> providerName;
-    Published<std::optional<QString>> note;
-    Published<std::optional<SpeakingTarget>> speakingTarget;
-    Published<bool> didCopy;
-    Published<bool> isPinned;
-    Published<bool> isInputPanel;
+    Published<QString> targetLanguage; ///< a language code
+    Published<QString> sourceLanguage; ///< a language code or "auto"
+    Published<std::optional<OCRProgress>> ocrProgress{this, {}};
+    Published<std::optional<Clock::Time>> ocrStartedAt{this, {}}; ///< when the first phase was reported
+    Published<QString> translatedText{this, {}};                  ///< so far
+    Published<std::optional<QString>> phonetic{this, {}};
+    Published<QStringList> meanings{this, {}};
+    Published<bool> isLoading{this, true};
+    Published<std::optional<QString>> errorMessage{this, {}};
+    Published<std::optional<QString>> providerName{this, {}}; ///< the engine that produced the result
+    Published<std::optional<QString>> note{this, {}};
+    Published<std::optional<SpeakingTarget>> speakingTarget{this, {}};
+    Published<bool> didCopy{this, false}; ///< for a short time after copying
+    Published<bool> isPinned{this, false};
+    Published<bool> isInputPanel{this, false};
 
-    std::function<void()> onDismiss;
-    std::function<void()> onClose;
-    std::function<void()> onResize;
-    std::function<void(QUuid)> onSelectProvider;
-    std::function<void(bool)> onTogglePin;
-    std::function<void(QString)> onSelectLanguage;
-    std::function<void(QString)> onSelectSourceLanguage;
-    std::function<void()> onSubmitSource;
+    /// What needs a window or an engine goes out through these; each may be unset.
+    std::function<void()> onDismiss;                     ///< the panel closed
+    std::function<void()> onClose;                       ///< close the panel
+    std::function<void()> onResize;                      ///< fit the panel to its content
+    std::function<void(QUuid)> onSelectProvider;         ///< retranslate with this engine
+    std::function<void(bool)> onTogglePin;               ///< the new pinned state
+    std::function<void(QString)> onSelectLanguage;       ///< retranslate into this language
+    std::function<void(QString)> onSelectSourceLanguage; ///< retranslate from this language
+    std::function<void()> onSubmitSource;                ///< translate the edited source text
 
     QString currentLanguageName() const;
     QString currentSourceLanguageName() const;
     QString currentProviderName() const;
     QString currentProviderIcon() const;
 
+    /// A recognition entered this phase.
     void updateOCRProgress(OCRProgress progress);
+    /// The recognition ended; without a text the old source text stays.
     void finishOCR(std::optional<QString> text, std::optional<QString> error);
+    /// A language chosen in the panel becomes the default of later ones.
     void selectLanguage(const QString &code);
     void selectSourceLanguage(const QString &code);
+    /// An engine chosen in the panel holds for this panel only.
     void selectProvider(const QUuid &id);
+    /// Copies the translation, else the source text.
     void copyResult();
-    void toggleSpeech(SpeakingTarget target, const QString &text);
 
 private:
+    const ProviderConfig *currentProvider() const;
+
     Subscription m_copyReset;
 };
 

@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: MIT
+// Shows on a desktop of its own that a selection in a real editor becomes a translation at a key press.
+#include <cstdio>
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <X11/keysym.h>
+
+#include "AccessibleTree.h"
+#include "DesktopSession.h"
+#include "TraceReader.h"
+
+namespace {
+
+using namespace tovi;
+
+const QString sampleText =
+    QStringLiteral("The weather has been unusually warm this week, and the river is still rising.");
+
+/// The program's settings for the demonstration: English to Spanish, on this machine.
+QString demoSettings()
+{
+    const QString engine = QStringLiteral("7D2B6C1E-52B4-4A57-9B0E-0C6E1B1C9A01");
+    const QJsonObject onDevice{{QStringLiteral("id"), engine},
+                               {QStringLiteral("name"), QStringLiteral("On this machine")},
+                               {QStringLiteral("kind"), QStringLiteral("apple")},
+                               {QStringLiteral("baseURL"), QString()},
+                               {QStringLiteral("model"), QString()},
+                               {QStringLiteral("temperature"), 0.2},
+                               {QStringLiteral("systemPrompt"), QString()},
+                               {QStringLiteral("fallbackToGoogle"), false}};
+    const QJsonObject settings{{QStringLiteral("targetLanguage"), QStringLiteral("es")},
+                               {QStringLiteral("ocrEnabled"), false},
+                               {QStringLiteral("hasCompletedOnboarding"), true},
+                               {QStringLiteral("currentProviderID"), engine},
+                               {QStringLiteral("providers"), QJsonArray{onDevice}}};
+    return QString::fromUtf8(QJsonDocument(settings).toJson());
+}
+
+const char *strategyName(qint64 source)
+{
+    constexpr const char *names[] = {"accessibility", "browser script", "menu copy", "simulated copy",
+                                     "OCR",           "pasteboard",     "manual"};
+    return source >= 0 && source < qint64(std::size(names)) ? names[source] : "unknown";
+}
+
+int fail(const char *what)
+{
+    std::fprintf(stderr, "demonstration failed: %s\n", what);
+    return 1;
+}
+
+struct Press
+{
+    double panelMilliseconds = 0;
+    double textMilliseconds = 0;
+    qint64 source = -1;
+};
+
+std::optional<Press> pressShortcut(const DesktopSession &desktop, TraceReader &trace)
+{
+    trace.clear();
+    const qint64 pressed = TraceReader::now();
+    desktop.pressKey(XK_d, {XK_Alt_L});
+    const auto captured = trace.next("captured");
+    const auto panel = captured ? trace.next("panelPainted") : std::nullopt;
+    const auto text = panel ? trace.next("textPainted") : std::nullopt;
+    if (!text || text->numbers.value("failed"))
+        return std::nullopt;
+    const auto since = [pressed](const TraceReader::Mark &mark) {
+        return double(mark.nanoseconds - pressed) / 1e6;
+    };
+    return Press{since(*panel), since(*text), captured->numbers.value("source")};
+}
+
+int demonstrate(const QString &tovi, const QString &screenshotPath)
+{
+    DesktopSession desktop;
+    if (!desktop.error().isEmpty())
+        return fail(qPrintable(desktop.error()));
+    QDir().mkpath(desktop.home() + QStringLiteral("/config/tovi"));
+    desktop.writeFile(QStringLiteral("config/tovi/defaults.json"), demoSettings());
+
+    const QString file = desktop.writeFile(QStringLiteral("letter.txt"), sampleText + QLatin1Char('\n'));
+    if (!desktop.start(QStringLiteral("mousepad"), {file}))
+        return fail("the editor did not start");
+    const auto editor = desktop.waitForWindow(QStringLiteral("letter.txt"));
+    if (!editor)
+        return fail("the editor's window did not appear");
+
+    TraceReader trace;
+    QProcess *program = desktop.start(tovi, {}, {trace.environment()});
+    trace.programStarted();
+    if (!program || !trace.next("ready"))
+        return fail("Tovi did not start");
+
+    const QRect area = desktop.geometry(editor);
+    desktop.click(area.center());
+    desktop.pressKey(XK_Home, {XK_Control_L});
+    desktop.pressKey(XK_End, {XK_Shift_L});
+    desktop.movePointer(area.topLeft() + QPoint(40, 120));
+
+    std::optional<Press> first;
+    // The editor may not have handled the selection's keys yet: an empty capture is tried again.
+    for (int attempt = 0; attempt < 5 && !first; ++attempt)
+        first = pressShortcut(desktop, trace);
+    if (!first)
+        return fail("no translation was painted");
+    const QImage picture = desktop.screenshot();
+
+    QString source;
+    QString translation;
+    DesktopSession::eventually(
+        [&] {
+            QStringList texts;
+            for (const auto &node : AccessibleTree::read(program->processId())) {
+                if (!node.text.isEmpty() && node.role != QLatin1String("label"))
+                    texts << node.text;
+            }
+            source = texts.value(0);
+            translation = texts.value(1);
+            return !translation.isEmpty();
+        },
+        std::chrono::seconds(10));
+
+    desktop.pressKey(XK_Escape);
+    const bool isFocusBack = DesktopSession::eventually([&] { return desktop.activeWindow() == editor; },
+                                                        std::chrono::seconds(10));
+    const auto again = pressShortcut(desktop, trace);
+
+    std::printf("captured text:      %s\n", qPrintable(source));
+    std::printf("strategy:           %s\n", strategyName(first->source));
+    std::printf("translation:        %s\n", qPrintable(translation));
+    std::printf("first key press:    panel painted after %.1f ms, text after %.1f ms\n",
+                first->panelMilliseconds, first->textMilliseconds);
+    if (again)
+        std::printf("second key press:   panel painted after %.1f ms, text after %.1f ms\n",
+                    again->panelMilliseconds, again->textMilliseconds);
+    if (!picture.save(screenshotPath))
+        return fail("the screenshot could not be saved");
+    std::printf("screenshot:         %s\n", qPrintable(screenshotPath));
+
+    if (source != sampleText)
+        return fail("the captured text is not the selected one");
+    if (translation.isEmpty() || translation == source)
+        return fail("the text was not translated");
+    if (!isFocusBack || !again)
+        return fail("Esc did not give the keyboard back to the editor");
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    QCommandLineParser parser;
+    parser.addHelpOption();
+    parser.addOption({QStringLiteral("tovi"), QStringLiteral("The program to show."), QStringLiteral("path"),
+                      QStringLiteral("build/release/tovi")});
+    parser.addOption({QStringLiteral("screenshot"), QStringLiteral("Where the screenshot goes."),
+                      QStringLiteral("path"), QStringLiteral("build/demo.png")});
+    parser.process(app);
+    return demonstrate(QFileInfo(parser.value(QStringLiteral("tovi"))).absoluteFilePath(),
+                       QFileInfo(parser.value(QStringLiteral("screenshot"))).absoluteFilePath());
+}

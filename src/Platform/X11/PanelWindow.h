@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+
+#include <QPointer>
+#include <QWidget>
+
+namespace tovi {
+
+/// The top-level window of a panel: rounded, above others, on all workspaces, in no task list. It is made
+/// once and serves one panel after another.
+class PanelWindow final : public QWidget
+{
+public:
+    static constexpr int cornerRadius = 12; // points
+
+    /// With compositing the corners are translucent, else cut off.
+    explicit PanelWindow(bool compositing);
+
+    void setContent(std::unique_ptr<QWidget> content);
+    /// Hides the window and deletes the content on the next turn of the event loop, since it may be what
+    /// asked for it.
+    void release();
+    void setCompositing(bool compositing);
+    /// Shows it without activating the program.
+    void present();
+
+    std::function<void()> onEscape;
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    void escape();
+    void setStatesBeforeMapping();
+    void requestStates();
+    void updateShape();
+
+    QPointer<QWidget> m_content;
+    bool m_compositing;
+};
+
+} // namespace tovi

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <map>
+
+#include <QAbstractNativeEventFilter>
+#include <QObject>
+
+#include "Platform/HotKeyCenter.h"
+#include "Platform/X11/KeyboardModifiers.h"
+
+namespace tovi {
+
+/// Shortcuts as passive key grabs on the root window, by the key's position on the keyboard, whatever the
+/// layout and the state of the lock keys. Works on Qt's connection. Main thread.
+class X11HotKeyCenter final : public HotKeyCenter, public QAbstractNativeEventFilter
+{
+public:
+    X11HotKeyCenter();
+    ~X11HotKeyCenter() override;
+
+    void setHandler(Handler handler) override { m_handler = std::move(handler); }
+    Registration registerHotKey(quint32 number, quint32 keyCode, quint32 modifiers) override;
+    void unregisterHotKey(quint32 number) override;
+
+    bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;
+
+private:
+    struct Grab
+    {
+        quint32 modifiers; ///< the program's
+        xcb_keycode_t keycode;
+        uint16_t state; ///< 0 while not grabbed
+    };
+    bool grab(Grab &grab) const;
+    void ungrab(Grab &grab) const;
+    void pressed(const xcb_key_press_event_t &event);
+    void keyboardChanged();
+
+    Handler m_handler;
+    std::map<quint32, Grab> m_grabs;
+    KeyboardModifiers m_keyboard;
+    xcb_connection_t *m_connection;
+    xcb_window_t m_root;
+    uint8_t m_xkbEvent = 0; // 0 without the extension
+    xcb_keycode_t m_releasedKey = 0;
+    xcb_timestamp_t m_releaseTime = 0;
+    bool m_renewalPending = false;
+    QObject m_context; // ends deferred work with us
+};
+
+} // namespace tovi

@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: MIT
+#include "Platform/X11/X11PanelHost.h"
+
+#include <QApplication>
+#include <QImage>
+#include <QPainter>
+
+#include <xcb/xfixes.h>
+
+#include "Platform/X11/FrontWindow.h"
+#include "Platform/X11/PanelWindow.h"
+#include "Platform/X11/ScreenGeometry.h"
+
+namespace tovi {
+
+namespace {
+
+// One on the screen and one behind it: a panel is often replaced in the same moment.
+constexpr size_t mostIdleWindows = 2;
+
+/// The first text that is drawn loads the fonts.
+void loadFonts()
+{
+    QImage image(64, 32, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setFont(QApplication::font());
+    painter.drawText(image.rect(), QStringLiteral("Ab"));
+}
+
+} // namespace
+
+struct X11PanelHost::Windows
+{
+    FrontWindow &frontWindow;
+    std::vector<std::unique_ptr<PanelWindow>> idle; // the longest hidden first
+    std::vector<PanelWindow *> all;
+
+    std::unique_ptr<PanelWindow> make(bool compositing)
+    {
+        auto window = std::make_unique<PanelWindow>(compositing);
+        frontWindow.addPanel(static_cast<quint32>(window->winId()));
+        all.push_back(window.get());
+        return window;
+    }
+    void forget(PanelWindow *window)
+    {
+        frontWindow.removePanel(static_cast<quint32>(window->winId()));
+        std::erase(all, window);
+    }
+};
+
+class X11PanelHost::X11Panel final : public Panel
+{
+public:
+    X11Panel(std::weak_ptr<Windows> windows, std::unique_ptr<PanelWindow> window)
+        : m_windows(std::move(windows))
+        , m_window(std::move(window))
+    {
+        m_window->onEscape = [this] {
+            if (const auto handler = onEscape)
+                handler();
+        };
+    }
+    ~X11Panel() override
+    {
+        m_window->release();
+        const auto windows = m_windows.lock();
+        if (windows && windows->idle.size() < mostIdleWindows) {
+            windows->idle.push_back(std::move(m_window));
+        } else {
+            if (windows)
+                windows->forget(m_window.get());
+            m_window.release()->deleteLater(); // one of its events may be what ends us
+        }
+    }
+
+    QRectF frame() const override { return ScreenGeometry::current().fromQt(QRectF(m_window->geometry())); }
+    void setFrame(const QRectF &frame) override
+    {
+        m_window->setGeometry(ScreenGeometry::current().toQt(frame));
+    }
+    void orderFrontRegardless() override { m_window->present(); }
+    void makeKey() override { m_window->activateWindow(); }
+    void orderOut() override { m_window->hide(); }
+    bool isVisible() const override { return m_window->isVisible(); }
+
+private:
+    std::weak_ptr<Windows> m_windows;
+    std::unique_ptr<PanelWindow> m_window;
+};
+
+X11PanelHost::X11PanelHost(FrontWindow &frontWindow, Clock &clock)
+    : m_clock(clock)
+    , m_windows(new Windows{frontWindow, {}, {}})
+{
+    setUpCompositing();
+    QCoreApplication::instance()->installNativeEventFilter(this);
+    prepareLater(std::chrono::milliseconds(400)); // let the start of the program finish first
+}
+
+X11PanelHost::~X11PanelHost() = default;
+
+int X11PanelHost::idleWindows() const
+{
+    return static_cast<int>(m_windows->idle.size());
+}
+
+std::unique_ptr<Panel> X11PanelHost::makePanel(std::unique_ptr<QWidget> content)
+{
+    std::unique_ptr<PanelWindow> window;
+    if (m_windows->idle.empty()) {
+        window = m_windows->make(m_compositing);
+    } else {
+        window = std::move(m_windows->idle.front());
+        m_windows->idle.erase(m_windows->idle.begin());
+    }
+    window->setContent(std::move(content));
+    if (m_windows->idle.empty())
+        prepareLater(std::chrono::seconds(1));
+    return std::make_unique<X11Panel>(m_windows, std::move(window));
+}
+
+void X11PanelHost::prepareLater(Clock::Duration delay)
+{
+    m_preparation = m_clock.after(delay, [this] {
+        if (m_windows->idle.empty())
+            m_windows->idle.push_back(m_windows->make(m_compositing));
+        static const bool fontsLoaded = (loadFonts(), true);
+        Q_UNUSED(fontsLoaded);
+    });
+}
+
+void X11PanelHost::setUpCompositing()
+{
+    auto *connection = QtXcb::connection();
+    m_compositorAtom = internAtom(connection, "_NET_WM_CM_S0");
+    const auto *fixes = xcb_get_extension_data(connection, &xcb_xfixes_id);
+    if (fixes && fixes->present) {
+        m_fixesEvent = fixes->first_event;
+        // The same mask as Qt's own for this selection: the later request replaces the earlier one.
+        xcb_xfixes_select_selection_input(connection, QtXcb::root(), m_compositorAtom,
+                                          XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
+                                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
+                                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+    }
+    const XcbOwned<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
+        connection, xcb_get_selection_owner(connection, m_compositorAtom), nullptr));
+    m_compositing = owner && owner->owner != XCB_WINDOW_NONE;
+}
+
+bool X11PanelHost::nativeEventFilter(const QByteArray &eventType, void *message, qintptr *)
+{
+    if (eventType != "xcb_generic_event_t" || !m_fixesEvent)
+        return false;
+    const auto *event = static_cast<const xcb_xfixes_selection_notify_event_t *>(message);
+    if ((event->response_type & ~0x80) != m_fixesEvent + XCB_XFIXES_SELECTION_NOTIFY ||
+        event->selection != m_compositorAtom)
+        return false;
+    m_compositing = event->owner != XCB_WINDOW_NONE;
+    for (PanelWindow *window : m_windows->all)
+        window->setCompositing(m_compositing);
+    return false;
+}
+
+} // namespace tovi

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include <QAbstractNativeEventFilter>
+
+#include "Platform/Clock.h"
+#include "Platform/PanelHost.h"
+#include "Platform/X11/Xcb.h"
+
+namespace tovi {
+
+class FrontWindow;
+class PanelWindow;
+
+/// Panels as utility windows of the window manager. A window is kept ready, so that a panel appears sooner.
+class X11PanelHost final : public PanelHost, public QAbstractNativeEventFilter
+{
+public:
+    X11PanelHost(FrontWindow &frontWindow, Clock &clock);
+    ~X11PanelHost() override;
+
+    std::unique_ptr<Panel> makePanel(std::unique_ptr<QWidget> content) override;
+
+    /// Whether a compositor blends translucent windows.
+    bool isCompositing() const { return m_compositing; }
+    int idleWindows() const;
+
+    bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;
+
+private:
+    class X11Panel;
+    struct Windows;
+
+    void setUpCompositing();
+    void prepareLater(Clock::Duration delay);
+
+    Clock &m_clock;
+    std::shared_ptr<Windows> m_windows; // panels may outlive us by a moment
+    Subscription m_preparation;
+    xcb_atom_t m_compositorAtom = 0;
+    uint8_t m_fixesEvent = 0; // 0 without the extension
+    bool m_compositing = false;
+};
+
+} // namespace tovi

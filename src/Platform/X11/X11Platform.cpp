@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: MIT
+#include "Platform/X11/X11Platform.h"
+
+#include <QStandardPaths>
+
+#include <xcb/xcb.h>
+
+#include "Platform/Linux/ApertiumFramework.h"
+#include "Platform/Linux/AtspiAccessibility.h"
+#include "Platform/Linux/JsonUserDefaults.h"
+#include "Platform/Linux/LinuxApplication.h"
+#include "Platform/Linux/LinuxClock.h"
+#include "Platform/Linux/LinuxSecretStore.h"
+#include "Platform/Linux/SyslogLog.h"
+#include "Platform/Linux/XdgLoginItem.h"
+#include "Platform/NotificationCenter.h"
+#include "Platform/X11/ScreenGeometry.h"
+#include "Platform/X11/X11HotKeyCenter.h"
+#include "Platform/X11/X11PanelHost.h"
+#include "Platform/X11/X11Pasteboard.h"
+#include "Platform/X11/X11ScreenCapture.h"
+#include "Platform/X11/X11Workspace.h"
+#include "Platform/X11/XcbPrimarySelection.h"
+
+namespace tovi {
+
+namespace {
+
+QString configurationFile()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+           QStringLiteral("/tovi/defaults.json");
+}
+
+QString secretsFile()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+           QStringLiteral("/tovi/secrets.json");
+}
+
+/// The window the user works in, for the services that know no display server.
+class FrontWindowSource final : public ActiveWindowSource
+{
+public:
+    explicit FrontWindowSource(FrontWindow &frontWindow)
+        : m_frontWindow(frontWindow)
+    {}
+    std::optional<ActiveWindow> activeWindow() override
+    {
+        const auto window = m_frontWindow.current();
+        if (!window)
+            return std::nullopt;
+        return ActiveWindow{window->processIdentifier, window->id};
+    }
+
+private:
+    FrontWindow &m_frontWindow;
+};
+
+/// Accessibility coordinates are the program's turned over, so they scale as these do.
+AccessibilityScale accessibilityScale()
+{
+    const auto primaryHeight = [](const ScreenGeometry &geometry) {
+        return geometry.screens().isEmpty() ? 0 : geometry.screens().first().frame.height();
+    };
+    AccessibilityScale scale;
+    scale.toPoints = [primaryHeight](const QRectF &pixels) {
+        const ScreenGeometry geometry = ScreenGeometry::current();
+        const QRectF points = geometry.fromNative(pixels);
+        return QRectF(points.x(), primaryHeight(geometry) - points.y() - points.height(), points.width(),
+                      points.height());
+    };
+    scale.toPixels = [primaryHeight](const QPointF &point) {
+        const ScreenGeometry geometry = ScreenGeometry::current();
+        return geometry.toNative(QPointF(point.x(), primaryHeight(geometry) - point.y()));
+    };
+    return scale;
+}
+
+} // namespace
+
+/// In the order of their dependence.
+struct X11Platform::Services
+{
+    SyslogLog systemLog;
+    LinuxClock clock;
+    NotificationCenter notificationCenter;
+    LinuxApplication application;
+    JsonUserDefaults userDefaults{configurationFile(), systemLog};
+    LinuxSecretStore secretStore{secretsFile(), systemLog};
+    XdgLoginItem loginItem;
+    X11Workspace workspace;
+    X11HotKeyCenter hotKeyCenter;
+    X11Pasteboard pasteboard;
+    X11ScreenCapture screenCapture;
+    X11PanelHost panelHost{workspace.frontWindow(), clock};
+    AtspiAccessibility accessibility{std::make_shared<FrontWindowSource>(workspace.frontWindow()),
+                                     std::make_shared<XcbPrimarySelection>(), accessibilityScale()};
+    ApertiumFramework translationFramework;
+};
+
+bool X11Platform::canConnect()
+{
+    xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
+    const bool isOpen = xcb_connection_has_error(connection) == 0;
+    xcb_disconnect(connection);
+    return isOpen;
+}
+
+void X11Platform::prepareEnvironment()
+{
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    // The toolkit looks only once, at its start, whether assistive programs are there; they may come later.
+    qputenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
+}
+
+X11Platform::X11Platform()
+    : m_services(std::make_unique<Services>())
+{}
+
+X11Platform::~X11Platform()
+{
+    endSharedInstances();
+}
+
+Accessibility &X11Platform::accessibility()
+{
+    return m_services->accessibility;
+}
+
+Application &X11Platform::application()
+{
+    return m_services->application;
+}
+
+Clock &X11Platform::clock()
+{
+    return m_services->clock;
+}
+
+HotKeyCenter &X11Platform::hotKeyCenter()
+{
+    return m_services->hotKeyCenter;
+}
+
+LoginItem &X11Platform::loginItem()
+{
+    return m_services->loginItem;
+}
+
+NotificationCenter &X11Platform::notificationCenter()
+{
+    return m_services->notificationCenter;
+}
+
+PanelHost &X11Platform::panelHost()
+{
+    return m_services->panelHost;
+}
+
+Pasteboard &X11Platform::pasteboard()
+{
+    return m_services->pasteboard;
+}
+
+ScreenCapture &X11Platform::screenCapture()
+{
+    return m_services->screenCapture;
+}
+
+SecretStore &X11Platform::secretStore()
+{
+    return m_services->secretStore;
+}
+
+SystemLog &X11Platform::systemLog()
+{
+    return m_services->systemLog;
+}
+
+TranslationFramework &X11Platform::translationFramework()
+{
+    return m_services->translationFramework;
+}
+
+UserDefaults &X11Platform::userDefaults()
+{
+    return m_services->userDefaults;
+}
+
+Workspace &X11Platform::workspace()
+{
+    return m_services->workspace;
+}
+
+} // namespace tovi

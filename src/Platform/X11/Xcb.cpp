@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+#include "Platform/X11/Xcb.h"
+
+#include <QGuiApplication>
+
+namespace tovi {
+
+namespace QtXcb {
+
+xcb_connection_t *connection()
+{
+    const auto *x11 = qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+    return x11 ? x11->connection() : nullptr;
+}
+
+xcb_window_t root()
+{
+    return xcb_setup_roots_iterator(xcb_get_setup(connection())).data->root;
+}
+
+} // namespace QtXcb
+
+xcb_atom_t internAtom(xcb_connection_t *connection, QByteArrayView name)
+{
+    const XcbOwned<xcb_intern_atom_reply_t> reply(
+        xcb_intern_atom_reply(connection, requestAtom(connection, name), nullptr));
+    return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
+}
+
+QList<quint32> propertyItems(const xcb_get_property_reply_t *reply)
+{
+    if (!reply || reply->format != 32)
+        return {};
+    const auto *items = static_cast<const quint32 *>(xcb_get_property_value(reply));
+    return {items, items + xcb_get_property_value_length(reply) / 4};
+}
+
+QByteArray propertyBytes(const xcb_get_property_reply_t *reply)
+{
+    if (!reply || reply->format != 8)
+        return {};
+    return {static_cast<const char *>(xcb_get_property_value(reply)), xcb_get_property_value_length(reply)};
+}
+
+} // namespace tovi

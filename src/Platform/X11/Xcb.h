@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdlib>
+#include <memory>
+
+#include <QByteArray>
+#include <QByteArrayView>
+#include <QList>
+
+#include <xcb/xcb.h>
+
+namespace tovi {
+
+struct XcbFree
+{
+    void operator()(void *memory) const { std::free(memory); }
+};
+/// What libxcb allocates: replies, errors, events.
+template <class T>
+using XcbOwned = std::unique_ptr<T, XcbFree>;
+
+/// The connection that Qt uses, and its root window. Main thread only; requests may be mixed with Qt's.
+namespace QtXcb {
+xcb_connection_t *connection();
+xcb_window_t root();
+} // namespace QtXcb
+
+inline xcb_intern_atom_cookie_t requestAtom(xcb_connection_t *connection, QByteArrayView name)
+{
+    return xcb_intern_atom(connection, 0, static_cast<uint16_t>(name.size()), name.data());
+}
+
+/// The atom's number, 0 when the connection is broken. One round trip: keep the answer.
+xcb_atom_t internAtom(xcb_connection_t *connection, QByteArrayView name);
+
+/// A property's 32-bit items; empty for another format.
+QList<quint32> propertyItems(const xcb_get_property_reply_t *reply);
+/// A property's bytes; empty for another format.
+QByteArray propertyBytes(const xcb_get_property_reply_t *reply);
+
+} // namespace tovi

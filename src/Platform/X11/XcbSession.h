@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <chrono>
+
+#include "Platform/X11/Xcb.h"
+
+namespace tovi {
+
+/// A connection to the display server of our own, with an end to every wait. One thread at a time: its owner
+/// guards it. After the server is gone, or did not answer in time, everything answers nothing.
+class XcbSession
+{
+public:
+    using Time = std::chrono::steady_clock::time_point;
+
+    XcbSession();
+    ~XcbSession();
+    XcbSession(const XcbSession &) = delete;
+
+    xcb_connection_t *connection() const { return m_connection; }
+    xcb_window_t root() const { return m_root; }
+    bool isOpen() const;
+
+    /// Gives all requests until then `limit` to be answered.
+    void startDeadline(std::chrono::milliseconds limit)
+    {
+        m_deadline = std::chrono::steady_clock::now() + limit;
+    }
+
+    /// The reply of a request, null when it failed or the deadline passed.
+    template <class Reply, class Cookie>
+    XcbOwned<Reply> reply(Cookie cookie)
+    {
+        return XcbOwned<Reply>(static_cast<Reply *>(waitForReply(cookie.sequence)));
+    }
+    XcbOwned<xcb_get_property_reply_t> reply(xcb_get_property_cookie_t cookie)
+    {
+        return reply<xcb_get_property_reply_t>(cookie);
+    }
+    /// A request for a property of any type, at most `length` four-byte units.
+    xcb_get_property_cookie_t requestProperty(xcb_window_t window, xcb_atom_t property,
+                                              quint32 length = 256) const;
+    xcb_atom_t atom(QByteArrayView name);
+
+private:
+    void *waitForReply(unsigned sequence);
+
+    xcb_connection_t *m_connection;
+    xcb_window_t m_root = 0;
+    Time m_deadline = Time::max();
+};
+
+} // namespace tovi

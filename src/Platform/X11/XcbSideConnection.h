@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <memory>
+#include <mutex>
+
+#include <QByteArray>
+#include <QHash>
+
+#include "Platform/X11/Xcb.h"
+
+namespace tovi {
+
+template <class T>
+using XcbReply = XcbOwned<T>;
+
+/// A connection to the X server of our own, for questions asked off the main thread. Made on first use and
+/// again after the server went away; nobody reads it in between. Hold the lock while using it.
+class XcbSideConnection
+{
+public:
+    XcbSideConnection() = default;
+    ~XcbSideConnection();
+    XcbSideConnection(const XcbSideConnection &) = delete;
+
+    [[nodiscard]] std::unique_lock<std::timed_mutex> lock() { return std::unique_lock(m_mutex); }
+    std::timed_mutex &mutex() { return m_mutex; }
+
+    /// Null when there is no X server.
+    xcb_connection_t *get();
+    xcb_screen_t *screen() const { return m_screen; }
+    xcb_atom_t atom(const char *name);
+    /// A 32-bit property's first value; 0 where it is missing or of another type.
+    quint32 number(xcb_window_t window, xcb_atom_t property, xcb_atom_t type);
+    /// The local process that the client owning `resource` runs in; 0 where the server does not know.
+    qint64 processOf(quint32 resource);
+    /// Whether two resources belong to the same client.
+    bool sameClient(quint32 one, quint32 other) const;
+
+private:
+    void close();
+
+    std::timed_mutex m_mutex;
+    xcb_connection_t *m_connection = nullptr;
+    xcb_screen_t *m_screen = nullptr;
+    quint32 m_resourceMask = 0;
+    QHash<QByteArray, xcb_atom_t> m_atoms;
+};
+
+} // namespace tovi

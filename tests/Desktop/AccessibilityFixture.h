@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "DesktopSession.h"
+#include "Platform/DispatchQueue.h"
+#include "Platform/Linux/AtspiAccessibility.h"
+
+namespace tovi {
+
+/// What a capture through the accessibility service found, and how long each step took.
+struct Captured
+{
+    AXError error = AXError::NoValue; ///< of the first request that failed
+    QString text;
+    bool byMarkerRange = false;
+    std::optional<QRectF> bounds;
+    double focusMilliseconds = 0;
+    double textMilliseconds = 0;
+    double boundsMilliseconds = 0;
+};
+
+/// A desktop with the accessibility service that is tested, asked from a queue as the program does.
+class AccessibilityDesktop : public testing::Test
+{
+protected:
+    explicit AccessibilityDesktop(const DesktopSession::Options &options = {});
+    ~AccessibilityDesktop() override;
+    void SetUp() override;
+
+    template <class Fn>
+    auto onQueue(Fn work)
+    {
+        auto future = queue->run(std::move(work));
+        DesktopSession::eventually([&] { return future.isFinished(); });
+        return future.result();
+    }
+    /// Focused element, its selected text, its bounds: once.
+    Captured capture();
+    /// Captures until the text is the expected one, or gives up.
+    Captured captureUntil(const QString &expected);
+    /// The selected text at a point of the screen, walking up as the capturer does.
+    QString textAt(QPoint position);
+    void print(const char *application, const Captured &captured);
+
+    std::unique_ptr<DesktopSession> desktop;
+    std::unique_ptr<AtspiAccessibility> accessibility;
+    std::unique_ptr<DispatchQueue> queue;
+};
+
+} // namespace tovi

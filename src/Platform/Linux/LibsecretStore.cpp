@@ -18,7 +18,6 @@ struct Release
     void operator()(gpointer object) const { g_object_unref(object); }
     void operator()(GHashTable *table) const { g_hash_table_unref(table); }
     void operator()(SecretValue *value) const { secret_value_unref(value); }
-    void operator()(GError *error) const { g_error_free(error); }
     void operator()(GList *objects) const { g_list_free_full(objects, g_object_unref); }
 };
 template <class T>
@@ -99,8 +98,8 @@ class ErrorSlot
 {
 public:
     ~ErrorSlot() { g_clear_error(&m_error); }
-    operator GError **() { return &m_error; }
-    explicit operator bool() const { return m_error; }
+    GError **address() { return &m_error; }
+    bool isSet() const { return m_error; }
     const GError *operator->() const { return m_error; }
 
 private:
@@ -141,10 +140,10 @@ public:
     bool run(Start start, Finish finish)
     {
         ErrorSlot error;
-        finish(m_calls(start).get(), error);
-        if (error)
+        finish(m_calls(start).get(), error.address());
+        if (error.isSet())
             m_access = m_calls.isOver() ? Access::Hung : Access::Failing;
-        return !error;
+        return !error.isSet();
     }
 
 private:
@@ -153,7 +152,7 @@ private:
         {
             ErrorSlot error;
             const auto result = m_calls([](auto... to) { g_bus_get(G_BUS_TYPE_SESSION, to...); });
-            m_bus.reset(g_bus_get_finish(result.get(), error));
+            m_bus.reset(g_bus_get_finish(result.get(), error.address()));
             if (!m_bus)
                 return m_calls.isOver() ? Access::Hung : Access::Absent;
             // The end of the bus must not be the end of the process.
@@ -164,7 +163,7 @@ private:
             const auto result = m_calls([](auto... to) {
                 secret_service_open(SECRET_TYPE_SERVICE, nullptr, SECRET_SERVICE_OPEN_SESSION, to...);
             });
-            m_service.reset(secret_service_open_finish(result.get(), error));
+            m_service.reset(secret_service_open_finish(result.get(), error.address()));
             if (!m_service) {
                 return m_calls.isOver()     ? Access::Hung
                        : meansAbsent(error) ? Access::Absent
@@ -175,8 +174,9 @@ private:
         const auto result = m_calls([this](auto... to) {
             secret_collection_for_alias(service(), SECRET_COLLECTION_DEFAULT, SECRET_COLLECTION_NONE, to...);
         });
-        const Held<SecretCollection> collection(secret_collection_for_alias_finish(result.get(), error));
-        if (error)
+        const Held<SecretCollection> collection(
+            secret_collection_for_alias_finish(result.get(), error.address()));
+        if (error.isSet())
             return m_calls.isOver() ? Access::Hung : Access::Failing;
         return collection && !secret_collection_get_locked(collection.get()) ? Access::Open : Access::Locked;
     }

@@ -52,8 +52,9 @@ QCoro::Task<TranslationResult> AppleTranslationProvider::translate(QString text,
     TranslationFramework &framework = Platform::current().translationFramework();
     if (!framework.isPresent() || isUnsupported(framework, text, target, source))
         throw missing(Str::errorOfflineUnsupported);
-    const std::shared_ptr<TranslationSession> session = co_await spawnOnMain(
+    const auto opening = spawnOnMain(
         [source, target] { return AppleTranslationBridge::shared().session(source, target); });
+    const std::shared_ptr<TranslationSession> session = co_await opening;
     if (!session)
         throw missing(Str::errorOfflineNotInstalled);
     QString translated;

@@ -22,7 +22,8 @@ Clock::Duration requestTimeout(double stored)
 /// Hands a partial text to the main thread and waits until it was taken.
 QCoro::Task<> deliver(Translator::DeltaHandler onDelta, QString text)
 {
-    co_await runOnMain([onDelta, text] { onDelta(text); });
+    const auto taken = runOnMain([onDelta, text] { onDelta(text); });
+    co_await taken;
 }
 
 /// The English dictionary's entry for a word or short phrase. No service is asked so far.
@@ -85,8 +86,9 @@ QCoro::Task<TranslationResult> Translator::translate(QString text, QString targe
         if (const auto loaded = settings.provider(config.id))
             request.config.apiKey = loaded->apiKey;
     }
-    const TranslationResult result =
-        co_await m_executor.spawn([factory = providerFactory, request] { return perform(factory, request); });
+    const auto answer =
+        m_executor.spawn([factory = providerFactory, request] { return perform(factory, request); });
+    const TranslationResult result = co_await answer;
     store(result, key);
     co_return result;
 }
@@ -102,8 +104,9 @@ QCoro::Task<TranslationResult> Translator::testConnection(ProviderConfig config)
                           false,
                           false,
                           {}};
-    co_return co_await m_executor.spawn(
-        [factory = providerFactory, request] { return perform(factory, request); });
+    const auto answer =
+        m_executor.spawn([factory = providerFactory, request] { return perform(factory, request); });
+    co_return co_await answer;
 }
 
 QCoro::Task<TranslationResult> Translator::perform(ProviderFactory factory, Request request)

@@ -10,6 +10,7 @@
 #include <QStringList>
 #include <qcorotask.h>
 
+#include "Platform/Clock.h"
 #include "Platform/Observable.h"
 #include "Platform/TranslationFramework.h"
 #include "Translation/TranslationProvider.h"

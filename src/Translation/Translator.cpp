@@ -22,7 +22,9 @@ Clock::Duration requestTimeout(double stored)
 /// Hands a partial text to the main thread and waits until it was taken.
 QCoro::Task<> deliver(Translator::DeltaHandler onDelta, QString text)
 {
-    co_await runOnMain([onDelta, text] { onDelta(text); });
+    const std::function<void()> call = std::bind_front(onDelta, text);
+    const QFuture<void> taken = runOnMain(call);
+    co_await taken;
 }
 
 /// The English dictionary's entry for a word or short phrase. No service is asked so far.
@@ -102,8 +104,14 @@ QCoro::Task<TranslationResult> Translator::testConnection(ProviderConfig config)
                           false,
                           false,
                           {}};
-    co_return co_await m_executor.spawn(
-        [factory = providerFactory, request] { return perform(factory, request); });
+    const auto performing = start(request);
+    co_return co_await performing;
+}
+
+// No coroutine: GCC 12 destroys captures of a lambda inside a co_await expression twice.
+QFuture<TranslationResult> Translator::start(const Request &request)
+{
+    return m_executor.spawn([factory = providerFactory, request] { return perform(factory, request); });
 }
 
 QCoro::Task<TranslationResult> Translator::perform(ProviderFactory factory, Request request)

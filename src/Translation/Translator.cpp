@@ -87,8 +87,8 @@ QCoro::Task<TranslationResult> Translator::translate(QString text, QString targe
         if (const auto loaded = settings.provider(config.id))
             request.config.apiKey = loaded->apiKey;
     }
-    const TranslationResult result =
-        co_await m_executor.spawn([factory = providerFactory, request] { return perform(factory, request); });
+    const auto performing = start(request);
+    const TranslationResult result = co_await performing;
     store(result, key);
     co_return result;
 }

@@ -14,6 +14,14 @@ struct ProviderKeys::Reading
     Keychain::Value result;
 };
 
+ProviderKeys::Entry ProviderKeys::Entry::unread(const QString &account)
+{
+    Entry entry;
+    entry.account = account;
+    entry.isRead = false;
+    return entry;
+}
+
 ProviderKeys::ProviderKeys(std::function<void(const Keys &)> loaded)
     : m_loaded(std::move(loaded))
 {}
@@ -21,13 +29,13 @@ ProviderKeys::ProviderKeys(std::function<void(const Keys &)> loaded)
 void ProviderKeys::load(const QList<QUuid> &ids)
 {
     for (const QUuid &id : ids)
-        m_entries.insert(id, {.account = Keychain::providerAccount(id), .isRead = false});
+        m_entries.insert(id, Entry::unread(Keychain::providerAccount(id)));
     read(ids);
 }
 
 void ProviderKeys::loadLegacy(const QUuid &id)
 {
-    m_entries.insert(id, {.account = Keychain::legacyAccount, .isRead = false});
+    m_entries.insert(id, Entry::unread(Keychain::legacyAccount));
     read({id});
 }
 

@@ -40,6 +40,7 @@ public:
 private:
     struct Entry
     {
+        static Entry unread(const QString &account);
         QString value; ///< as the engine list has it
         QString account;
         bool isRead = true;

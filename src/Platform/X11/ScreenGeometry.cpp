@@ -207,7 +207,7 @@ QRect ScreenGeometry::toQt(const QRectF &rect) const
 
 QPointF ScreenGeometry::toNative(QPointF point) const
 {
-    return toNative(QRectF(point, QSizeF())).topLeft();
+    return toNative(QRectF(point, QSizeF(0, 0))).topLeft();
 }
 
 QRectF ScreenGeometry::toNative(const QRectF &rect) const

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <memory>
+
+#include <QByteArray>
+#include <QProcess>
+#include <QStringList>
+
+#include "Platform/X11/XcbSession.h"
+
+namespace tovi {
+
+/// A virtual X server with a window manager, for this process's own use. Made before the application object.
+class LiveDesktop
+{
+public:
+    LiveDesktop();
+    ~LiveDesktop();
+
+    /// Starts a program on the desktop; it ends with the returned object.
+    static std::unique_ptr<QProcess> start(const QString &program, const QStringList &arguments);
+    /// Runs a program to its end and answers its output.
+    static QString run(const QString &program, const QStringList &arguments);
+
+private:
+    QProcess m_server;
+    QProcess m_windowManager;
+};
+
+/// Another client of the server: the user at the keyboard, and other programs.
+class OtherClient
+{
+public:
+    /// Key codes are the server's.
+    void key(uint8_t keycode, bool down);
+    void press(std::initializer_list<uint8_t> chord);
+    /// False when the server refuses.
+    bool grab(uint8_t keycode, uint16_t state);
+    QList<quint32> property(xcb_window_t window, const char *name);
+    QRect frameOf(xcb_window_t window);
+    xcb_window_t root() const { return m_session.root(); }
+    xcb_atom_t atom(const char *name) { return m_session.atom(name); }
+
+private:
+    XcbSession m_session;
+};
+
+} // namespace tovi

@@ -2,7 +2,6 @@
 #include "Translation/AppleTranslation.h"
 
 #include "Localization.h"
-#include "Platform/Clock.h"
 #include "Platform/DispatchQueue.h"
 #include "Platform/Platform.h"
 
@@ -44,6 +43,11 @@ TranslationError translationError(const TranslationFrameworkError &error)
     return TranslationError::network(error.description());
 }
 
+QFuture<std::shared_ptr<TranslationSession>> sessionFromMain(const QString &source, const QString &target)
+{
+    return spawnOnMain([source, target] { return AppleTranslationBridge::shared().session(source, target); });
+}
+
 } // namespace
 
 QCoro::Task<TranslationResult> AppleTranslationProvider::translate(QString text, QString target,
@@ -52,9 +56,8 @@ QCoro::Task<TranslationResult> AppleTranslationProvider::translate(QString text,
     TranslationFramework &framework = Platform::current().translationFramework();
     if (!framework.isPresent() || isUnsupported(framework, text, target, source))
         throw missing(Str::errorOfflineUnsupported);
-    const auto opening = spawnOnMain(
-        [source, target] { return AppleTranslationBridge::shared().session(source, target); });
-    const std::shared_ptr<TranslationSession> session = co_await opening;
+    const auto coming = sessionFromMain(source, target);
+    const std::shared_ptr<TranslationSession> session = co_await coming;
     if (!session)
         throw missing(Str::errorOfflineNotInstalled);
     QString translated;
@@ -119,8 +122,9 @@ QCoro::Task<std::shared_ptr<TranslationSession>> AppleTranslationBridge::session
                                                                                  QString target)
 {
     const QString key = source + QLatin1Char('|') + target;
+    // A copy: co_return would move the member out.
     if (m_session && m_sessionKey == key)
-        co_return m_session;
+        co_return std::shared_ptr(m_session);
     m_pendingKey = key;
     const bool isAskedFor = std::any_of(m_waiters.begin(), m_waiters.end(),
                                         [&](const auto &waiter) { return waiter->key == key; });

@@ -22,7 +22,8 @@ Clock::Duration requestTimeout(double stored)
 /// Hands a partial text to the main thread and waits until it was taken.
 QCoro::Task<> deliver(Translator::DeltaHandler onDelta, QString text)
 {
-    const auto taken = runOnMain([onDelta, text] { onDelta(text); });
+    const std::function<void()> call = std::bind_front(onDelta, text);
+    const QFuture<void> taken = runOnMain(call);
     co_await taken;
 }
 
@@ -86,9 +87,8 @@ QCoro::Task<TranslationResult> Translator::translate(QString text, QString targe
         if (const auto loaded = settings.provider(config.id))
             request.config.apiKey = loaded->apiKey;
     }
-    const auto answer =
-        m_executor.spawn([factory = providerFactory, request] { return perform(factory, request); });
-    const TranslationResult result = co_await answer;
+    const auto performing = start(request);
+    const TranslationResult result = co_await performing;
     store(result, key);
     co_return result;
 }
@@ -104,9 +104,14 @@ QCoro::Task<TranslationResult> Translator::testConnection(ProviderConfig config)
                           false,
                           false,
                           {}};
-    const auto answer =
-        m_executor.spawn([factory = providerFactory, request] { return perform(factory, request); });
-    co_return co_await answer;
+    const auto performing = start(request);
+    co_return co_await performing;
+}
+
+// No coroutine: GCC 12 destroys captures of a lambda inside a co_await expression twice.
+QFuture<TranslationResult> Translator::start(const Request &request)
+{
+    return m_executor.spawn([factory = providerFactory, request] { return perform(factory, request); });
 }
 
 QCoro::Task<TranslationResult> Translator::perform(ProviderFactory factory, Request request)

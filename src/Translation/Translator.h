@@ -6,6 +6,7 @@
 #include <mutex>
 #include <optional>
 
+#include <QFuture>
 #include <QHash>
 #include <QString>
 #include <QStringList>
@@ -50,6 +51,7 @@ public:
 private:
     struct Request;
 
+    QFuture<TranslationResult> start(const Request &request);
     static QCoro::Task<TranslationResult> perform(ProviderFactory factory, Request request);
     std::optional<TranslationResult> cachedResult(const QString &key) const;
     void store(const TranslationResult &result, const QString &key);

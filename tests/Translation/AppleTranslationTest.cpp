@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include "Platform/DispatchQueue.h"
 #include "Support/TestPlatform.h"
 #include "Translation/AppleTranslation.h"
 
@@ -154,6 +155,7 @@ TEST_F(AppleTranslationTest, TheEngineTellsEveryFailureApart)
         bool isSessionDropped;
     };
     using Reason = TranslationFrameworkError::Reason;
+    EXPECT_EQ(translated(QStringLiteral("warm"), fr, en), QStringLiteral("WARM"));
     for (const auto &[reason, description, isSessionDropped] :
          {Row{Reason::NotInstalled, notInstalled, false}, Row{Reason::Unsupported, unsupported, false},
           Row{Reason::Failed, QStringLiteral("0: broken"), true}}) {
@@ -165,7 +167,7 @@ TEST_F(AppleTranslationTest, TheEngineTellsEveryFailureApart)
         drainMainQueue();
         first->answer = [](const QString &text) { return text; };
         EXPECT_EQ(translated(QStringLiteral("a"), fr, en), QStringLiteral("a"));
-        EXPECT_EQ(framework().requests.size(), asked + (asked == 3 ? 1 : 0) + (isSessionDropped ? 1 : 0))
+        EXPECT_EQ(framework().requests.size(), asked + (isSessionDropped ? 1 : 0))
             << description.toStdString();
     }
 

@@ -134,7 +134,8 @@ protected:
 
 TEST_F(TranslatorTest, ChoosesTheEngine)
 {
-    EXPECT_EQ(translate(QStringLiteral("one"), 2)->result->providerName, QStringLiteral("Offline"));
+    EXPECT_EQ(translate(QStringLiteral("one"), 2)->result->providerName,
+              settings.providers->at(2).displayName());
     // An unknown engine is the current one.
     const auto outcome = std::make_shared<Outcome>();
     collect(translator.translate(QStringLiteral("two"), en, es, QUuid::createUuid(), {}), outcome);

@@ -33,10 +33,10 @@ ApertiumProcess::ApertiumProcess(const QString &command, Handlers handlers)
     });
     // Queued, because a failed start is reported from inside start().
     QObject::connect(
-        m_process, &QProcess::errorOccurred, m_process, [this] { end(); }, Qt::QueuedConnection);
-    QObject::connect(m_process, &QProcess::finished, m_process, [this] { end(); });
-    QObject::connect(m_process, &QProcess::readChannelFinished, m_process, [this] { end(); });
-    QObject::connect(m_process, &QProcess::readyReadStandardOutput, m_process, [this] { readReplies(); });
+        m_process, &QProcess::errorOccurred, &m_context, [this] { end(); }, Qt::QueuedConnection);
+    QObject::connect(m_process, &QProcess::finished, &m_context, [this] { end(); });
+    QObject::connect(m_process, &QProcess::readChannelFinished, &m_context, [this] { end(); });
+    QObject::connect(m_process, &QProcess::readyReadStandardOutput, &m_context, [this] { readReplies(); });
     m_process->start(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), command});
     m_group = m_process->processId();
 }

@@ -46,6 +46,7 @@ private:
     QProcess *m_process;
     qint64 m_group = 0;
     bool m_hasEnded = false;
+    QObject m_context; // ends the connections, also of signals that are under way
 };
 
 } // namespace tovi

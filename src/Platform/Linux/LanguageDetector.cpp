@@ -106,7 +106,8 @@ QString ideographicLanguage(const Counts &counts)
         return QStringLiteral("ja");
     if (counts.hangul * 3 > counts.han)
         return QStringLiteral("ko");
-    if (counts.japaneseOnly > counts.simplifiedOnly && counts.japaneseOnly > counts.traditionalOnly)
+    // Japanese also writes many of the traditional forms.
+    if (counts.japaneseOnly > counts.simplifiedOnly && counts.japaneseOnly * 3 >= counts.traditionalOnly)
         return QStringLiteral("ja");
     return counts.traditionalOnly > counts.simplifiedOnly ? QStringLiteral("zh-TW") : QStringLiteral("zh-CN");
 }

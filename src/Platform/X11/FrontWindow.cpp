@@ -48,7 +48,8 @@ FrontWindow::FrontWindow()
                   {m_applicationIdAtom, "_GTK_APPLICATION_ID"},
                   {m_clientListAtom, "_NET_CLIENT_LIST"},
                   {m_strutAtom, "_NET_WM_STRUT"},
-                  {m_strutPartialAtom, "_NET_WM_STRUT_PARTIAL"}};
+                  {m_strutPartialAtom, "_NET_WM_STRUT_PARTIAL"},
+                  {m_supportedAtom, "_NET_SUPPORTED"}};
     std::vector<xcb_intern_atom_cookie_t> cookies;
     for (const auto &entry : wanted)
         cookies.push_back(requestAtom(connection, entry.name));
@@ -178,6 +179,41 @@ QSize FrontWindow::desktopSize()
     const auto root =
         m_session.reply<xcb_get_geometry_reply_t>(xcb_get_geometry(m_session.connection(), m_session.root()));
     return root ? QSize(root->width, root->height) : QSize();
+}
+
+quint32 FrontWindow::serverTime()
+{
+    const std::scoped_lock lock(m_mutex);
+    m_session.startDeadline(limit);
+    auto *connection = m_session.connection();
+    if (!m_session.isOpen())
+        return 0;
+    if (!m_timeWindow) {
+        m_timeWindow = xcb_generate_id(connection);
+        const uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+        xcb_create_window(connection, 0, m_timeWindow, m_session.root(), 0, 0, 1, 1, 0,
+                          XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
+    }
+    // Appending nothing changes nothing, and is announced with its time before the round trip's answer.
+    xcb_change_property(connection, XCB_PROP_MODE_APPEND, m_timeWindow, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8,
+                        0, nullptr);
+    m_session.reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(connection));
+    quint32 time = 0;
+    while (const XcbOwned<xcb_generic_event_t> event{xcb_poll_for_queued_event(connection)}) {
+        if ((event->response_type & ~0x80) == XCB_PROPERTY_NOTIFY)
+            time = reinterpret_cast<const xcb_property_notify_event_t *>(event.get())->time;
+    }
+    return time;
+}
+
+bool FrontWindow::takesActivationRequests()
+{
+    const std::scoped_lock lock(m_mutex);
+    m_session.startDeadline(limit);
+    constexpr quint32 mostAtoms = 1024;
+    const auto supported = propertyItems(
+        m_session.reply(m_session.requestProperty(m_session.root(), m_supportedAtom, mostAtoms)).get());
+    return supported.contains(m_activeWindowAtom);
 }
 
 void FrontWindow::addPanel(quint32 id)

@@ -42,6 +42,11 @@ public:
     QList<QList<quint32>> struts();
     QSize desktopSize();
 
+    /// The server's present time, newer than any input so far; 0 when it does not answer.
+    quint32 serverTime();
+    /// Whether a window manager takes requests to activate a window.
+    bool takesActivationRequests();
+
     /// Windows of this program that never count.
     void addPanel(quint32 id);
     void removePanel(quint32 id);
@@ -55,10 +60,11 @@ private:
     std::mutex m_mutex; // of everything below
     XcbSession m_session;
     xcb_atom_t m_activeWindowAtom, m_pidAtom, m_applicationIdAtom, m_clientListAtom, m_strutAtom,
-        m_strutPartialAtom;
+        m_strutPartialAtom, m_supportedAtom;
     bool m_hasResources = false;
     std::set<quint32> m_panels;
     quint32 m_lastWindow = 0;
+    xcb_window_t m_timeWindow = 0; // made for serverTime()
 };
 
 } // namespace tovi

@@ -3,10 +3,12 @@
 
 #include <iterator>
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QWindow>
 
 #include "Platform/X11/Xcb.h"
 
@@ -18,7 +20,7 @@ constexpr quint32 allDesktops = 0xffffffff;
 
 struct Atoms
 {
-    xcb_atom_t desktop, state, skipTaskbar, skipPager, above;
+    xcb_atom_t desktop, state, skipTaskbar, skipPager, above, activeWindow;
 };
 
 const Atoms &atoms()
@@ -29,9 +31,23 @@ const Atoms &atoms()
                      .state = internAtom(connection, "_NET_WM_STATE"),
                      .skipTaskbar = internAtom(connection, "_NET_WM_STATE_SKIP_TASKBAR"),
                      .skipPager = internAtom(connection, "_NET_WM_STATE_SKIP_PAGER"),
-                     .above = internAtom(connection, "_NET_WM_STATE_ABOVE")};
+                     .above = internAtom(connection, "_NET_WM_STATE_ABOVE"),
+                     .activeWindow = internAtom(connection, "_NET_ACTIVE_WINDOW")};
     }();
     return values;
+}
+
+void requestOfWindowManager(xcb_window_t window, xcb_atom_t type, std::initializer_list<quint32> data)
+{
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = window;
+    event.type = type;
+    std::ranges::copy(data, event.data.data32);
+    xcb_send_event(QtXcb::connection(), 0, QtXcb::root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                   reinterpret_cast<const char *>(&event));
 }
 
 QPainterPath outline(const QRectF &rect)
@@ -108,24 +124,40 @@ void PanelWindow::requestStates()
 {
     // Asked for again: a window that is shown right after it was hidden can lose its properties to a window
     // manager that is still busy hiding it.
-    auto *connection = QtXcb::connection();
-    const auto send = [&](xcb_atom_t type, std::initializer_list<quint32> data) {
-        xcb_client_message_event_t event{};
-        event.response_type = XCB_CLIENT_MESSAGE;
-        event.format = 32;
-        event.window = static_cast<xcb_window_t>(winId());
-        event.type = type;
-        std::ranges::copy(data, event.data.data32);
-        xcb_send_event(connection, 0, QtXcb::root(),
-                       XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                       reinterpret_cast<const char *>(&event));
-    };
     constexpr quint32 add = 1;
     constexpr quint32 fromApplication = 1;
-    send(atoms().desktop, {allDesktops, fromApplication});
-    send(atoms().state, {add, atoms().skipTaskbar, atoms().skipPager, fromApplication});
-    send(atoms().state, {add, atoms().above, 0, fromApplication});
-    xcb_flush(connection);
+    const auto window = static_cast<xcb_window_t>(winId());
+    requestOfWindowManager(window, atoms().desktop, {allDesktops, fromApplication});
+    requestOfWindowManager(window, atoms().state,
+                           {add, atoms().skipTaskbar, atoms().skipPager, fromApplication});
+    requestOfWindowManager(window, atoms().state, {add, atoms().above, 0, fromApplication});
+    xcb_flush(QtXcb::connection());
+}
+
+void PanelWindow::makeKey(quint32 time)
+{
+    if (!time) {
+        activateWindow();
+        return;
+    }
+    // The user asked for this panel, maybe a moment ago and typing on since; a request with the shortcut's
+    // own time, as Qt makes it, counts as an application stealing the keyboard then.
+    constexpr quint32 fromUser = 2;
+    requestOfWindowManager(static_cast<xcb_window_t>(winId()), atoms().activeWindow, {fromUser, time, 0});
+    xcb_flush(QtXcb::connection());
+}
+
+void PanelWindow::focusCame()
+{
+    // Qt lets a window keep the focus for a moment after it was hidden. Shown and focused again within that
+    // time it has not changed hands for Qt's windows, while Qt's widgets do not count it as active any more.
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (isVisible() && !isActiveWindow() && QGuiApplication::focusWindow() == windowHandle())
+                QApplication::setActiveWindow(this);
+        },
+        Qt::QueuedConnection);
 }
 
 void PanelWindow::escape()

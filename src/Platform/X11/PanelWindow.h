@@ -25,6 +25,10 @@ public:
     void setCompositing(bool compositing);
     /// Shows it without activating the program.
     void present();
+    /// Directs the keyboard to it. `time` is the server's; 0 leaves it to the toolkit.
+    void makeKey(quint32 time);
+    /// To be called when the server has given it the keyboard, before Qt learns of it.
+    void focusCame();
 
     std::function<void()> onEscape;
 

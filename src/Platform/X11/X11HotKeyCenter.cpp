@@ -51,7 +51,6 @@ void X11HotKeyCenter::unregisterHotKey(quint32 number)
     if (it == m_grabs.end())
         return;
     ungrab(it->second);
-    xcb_flush(m_connection);
     m_grabs.erase(it);
 }
 
@@ -83,6 +82,7 @@ void X11HotKeyCenter::ungrab(Grab &grab) const
         return;
     for (const uint16_t locks : m_keyboard.lockCombinations())
         xcb_ungrab_key(m_connection, grab.keycode, m_root, grab.state | locks);
+    xcb_flush(m_connection);
     grab.state = 0;
 }
 
@@ -115,7 +115,7 @@ void X11HotKeyCenter::pressed(const xcb_key_press_event_t &event)
 {
     if (event.event != m_root)
         return;
-    // A key that is held down is released and pressed again at the same moment.
+    // A key that is held down is released and pressed again in the same millisecond; no finger does that.
     if (event.detail == m_releasedKey && event.time == m_releaseTime)
         return;
     const uint16_t state = event.state & m_keyboard.relevant();
@@ -140,7 +140,6 @@ void X11HotKeyCenter::keyboardChanged()
     m_keyboard = keyboard;
     for (auto &[number, wanted] : m_grabs)
         grab(wanted);
-    xcb_flush(m_connection);
 }
 
 } // namespace tovi

@@ -81,7 +81,12 @@ public:
         m_window->setGeometry(ScreenGeometry::current().toQt(frame));
     }
     void orderFrontRegardless() override { m_window->present(); }
-    void makeKey() override { m_window->activateWindow(); }
+    void makeKey() override
+    {
+        const auto windows = m_windows.lock();
+        const bool managed = windows && windows->frontWindow.takesActivationRequests();
+        m_window->makeKey(managed ? windows->frontWindow.serverTime() : 0);
+    }
     void orderOut() override { m_window->hide(); }
     bool isVisible() const override { return m_window->isVisible(); }
 
@@ -151,15 +156,23 @@ void X11PanelHost::setUpCompositing()
 
 bool X11PanelHost::nativeEventFilter(const QByteArray &eventType, void *message, qintptr *)
 {
-    if (eventType != "xcb_generic_event_t" || !m_fixesEvent)
+    if (eventType != "xcb_generic_event_t")
         return false;
-    const auto *event = static_cast<const xcb_xfixes_selection_notify_event_t *>(message);
-    if ((event->response_type & ~0x80) != m_fixesEvent + XCB_XFIXES_SELECTION_NOTIFY ||
-        event->selection != m_compositorAtom)
-        return false;
-    m_compositing = event->owner != XCB_WINDOW_NONE;
-    for (PanelWindow *window : m_windows->all)
-        window->setCompositing(m_compositing);
+    const int type = static_cast<const xcb_generic_event_t *>(message)->response_type & ~0x80;
+    if (type == XCB_FOCUS_IN) {
+        const auto *event = static_cast<const xcb_focus_in_event_t *>(message);
+        for (PanelWindow *window : m_windows->all) {
+            if (event->event == window->winId() && event->detail != XCB_NOTIFY_DETAIL_POINTER)
+                window->focusCame();
+        }
+    } else if (m_fixesEvent && type == m_fixesEvent + XCB_XFIXES_SELECTION_NOTIFY) {
+        const auto *event = static_cast<const xcb_xfixes_selection_notify_event_t *>(message);
+        if (event->selection == m_compositorAtom) {
+            m_compositing = event->owner != XCB_WINDOW_NONE;
+            for (PanelWindow *window : m_windows->all)
+                window->setCompositing(m_compositing);
+        }
+    }
     return false;
 }
 

@@ -15,7 +15,6 @@ LiveDesktop::LiveDesktop()
     int ends[2];
     if (pipe(ends) != 0)
         qFatal("no pipe");
-    m_server.setProcessChannelMode(QProcess::ForwardedChannels);
     m_server.setStandardErrorFile(QProcess::nullDevice());
     m_server.start(QStringLiteral("Xvfb"),
                    {QStringLiteral("-displayfd"), QString::number(ends[1]), QStringLiteral("-screen"),
@@ -71,7 +70,8 @@ QString LiveDesktop::run(const QString &program, const QStringList &arguments)
 void OtherClient::key(uint8_t keycode, bool down)
 {
     auto *connection = m_session.connection();
-    xcb_test_fake_input(connection, down ? XCB_KEY_PRESS : XCB_KEY_RELEASE, keycode, 0, XCB_NONE, 0, 0, 0);
+    // Two milliseconds apart on the server, so that no two events have the same time.
+    xcb_test_fake_input(connection, down ? XCB_KEY_PRESS : XCB_KEY_RELEASE, keycode, 2, XCB_NONE, 0, 0, 0);
     // A round trip: the server has taken the key when this returns.
     m_session.reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(connection));
 }
@@ -90,6 +90,15 @@ bool OtherClient::grab(uint8_t keycode, uint16_t state)
     const auto cookie =
         xcb_grab_key_checked(connection, 0, root(), state, keycode, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
     return !XcbOwned<xcb_generic_error_t>(xcb_request_check(connection, cookie));
+}
+
+bool OtherClient::isFree(uint8_t keycode, uint16_t state)
+{
+    if (!grab(keycode, state))
+        return false;
+    xcb_ungrab_key(m_session.connection(), keycode, root(), state);
+    m_session.reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(m_session.connection()));
+    return true;
 }
 
 QList<quint32> OtherClient::property(xcb_window_t window, const char *name)

@@ -35,8 +35,10 @@ public:
     /// Key codes are the server's.
     void key(uint8_t keycode, bool down);
     void press(std::initializer_list<uint8_t> chord);
-    /// False when the server refuses.
+    /// Takes the combination for itself; false when the server refuses.
     bool grab(uint8_t keycode, uint16_t state);
+    /// Whether nobody holds the combination.
+    bool isFree(uint8_t keycode, uint16_t state);
     QList<quint32> property(xcb_window_t window, const char *name);
     QRect frameOf(xcb_window_t window);
     xcb_window_t root() const { return m_session.root(); }

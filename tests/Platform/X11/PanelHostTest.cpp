@@ -2,8 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QFile>
 #include <QLineEdit>
 #include <QScreen>
+#include <QTemporaryDir>
 #include <QVBoxLayout>
 
 #include "Platform/Linux/LinuxClock.h"
@@ -47,13 +49,28 @@ struct Panels : testing::Test
     }
     bool isMapped() { return edit->window()->windowHandle()->isExposed(); }
 
+    /// An installed application whose windows are the target's.
+    static QString installed()
+    {
+        static const QTemporaryDir data;
+        QDir(data.path()).mkpath(QStringLiteral("applications"));
+        QFile entry(data.filePath(QStringLiteral("applications/org.example.Target.desktop")));
+        if (entry.open(QIODevice::WriteOnly))
+            entry.write("[Desktop Entry]\nType=Application\nName=The Target\nExec=xterm\n"
+                        "StartupWMClass=TargetClass\n");
+        qputenv("XDG_DATA_HOME", data.path().toUtf8());
+        return data.path();
+    }
+
+    const QString data = installed();
     OtherClient user;
     X11Workspace workspace;
     LinuxClock clock;
     X11PanelHost host{workspace.frontWindow(), clock};
     std::unique_ptr<QProcess> target =
-        LiveDesktop::start(QStringLiteral("xterm"), {QStringLiteral("-class"), QStringLiteral("TargetClass"),
-                                                     QStringLiteral("-e"), QStringLiteral("cat")});
+        LiveDesktop::start(QStringLiteral("xterm"),
+                           {QStringLiteral("-name"), QStringLiteral("target"), QStringLiteral("-class"),
+                            QStringLiteral("TargetClass"), QStringLiteral("-e"), QStringLiteral("cat")});
     xcb_window_t targetWindow = 0;
     QPointer<QLineEdit> edit;
     xcb_window_t window = 0;
@@ -67,7 +84,7 @@ TEST_F(Panels, AreExactlyPlacedOnAllWorkspacesAndInNoTaskList)
     EXPECT_EQ(scale, qEnvironmentVariableIntValue("QT_SCALE_FACTOR") == 2 ? 2.0 : 1.0);
     EXPECT_EQ(screen->frame, QRectF(0, 0, 1600 / scale, 900 / scale));
 
-    for (int round = 0; round < 3; ++round) {
+    for (int round = 0; round < 4; ++round) {
         SCOPED_TRACE(round);
         auto panel = makePanel();
         const QRectF frame(50 + round, 60, 320, 280);
@@ -96,7 +113,7 @@ TEST_F(Panels, AreExactlyPlacedOnAllWorkspacesAndInNoTaskList)
 
 TEST_F(Panels, TakeTheKeyboardAndGiveItBack)
 {
-    for (int round = 0; round < 3; ++round) {
+    for (int round = 0; round < 4; ++round) {
         SCOPED_TRACE(round);
         auto panel = makePanel();
         int escapes = 0;
@@ -188,7 +205,8 @@ TEST_F(Panels, TheWorkspaceKnowsOtherApplicationsAndReservedSpace)
 {
     const auto front = workspace.frontmostApplication();
     ASSERT_TRUE(front);
-    EXPECT_EQ(front->localizedName, QStringLiteral("TargetClass"));
+    EXPECT_EQ(front->localizedName, QStringLiteral("The Target"));
+    EXPECT_EQ(front->bundleIdentifier, QStringLiteral("org.example.Target"));
     // A window of our own that is no panel counts as ourselves.
     {
         QWidget settings;

@@ -87,6 +87,10 @@ AccessibilityDesktop::~AccessibilityDesktop() = default;
 void AccessibilityDesktop::SetUp()
 {
     ASSERT_EQ(desktop->error(), QString());
+    // Most applications join the accessibility bus only if it is on when they start.
+    EXPECT_FALSE(accessibility->isProcessTrusted());
+    accessibility->requestTrust();
+    ASSERT_TRUE(DesktopSession::eventually([this] { return accessibility->isProcessTrusted(); }));
 }
 
 Captured AccessibilityDesktop::capture()

@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include <QtGlobal>
+#include <QString>
 
 namespace tovi {
 
@@ -11,6 +11,7 @@ namespace tovi {
 struct ActiveWindow
 {
     qint64 processIdentifier = 0; ///< 0 where the window does not tell
+    QString title;                ///< may be empty
     quint64 id = 0;               ///< means something only to the display server's own services
     bool operator==(const ActiveWindow &) const = default;
 };

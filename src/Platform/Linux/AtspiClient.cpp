@@ -52,6 +52,7 @@ bool AtspiRequest::connect()
     const QByteArray identifier = m_client.m_connection->busIdentifier();
     if (identifier.isEmpty() || identifier != m_client.m_busIdentifier || address != m_client.m_address) {
         m_client.m_processes.clear();
+        m_client.m_toolkits.clear();
         m_client.m_lastFocus.clear();
     }
     m_client.m_address = address;
@@ -123,6 +124,20 @@ std::vector<qint64> AtspiRequest::processes(const QList<QByteArray> &names)
     return result;
 }
 
+bool AtspiRequest::isOfToolkit(const AtspiObject &object, const char *toolkit)
+{
+    auto known = m_client.m_toolkits.constFind(object.bus);
+    if (known == m_client.m_toolkits.constEnd()) {
+        const AtspiObject application{object.bus, Atspi::rootPath};
+        const auto name =
+            AtspiReply::textProperty(call(property(application, Atspi::application, "ToolkitName")));
+        if (m_client.m_toolkits.size() >= cacheLimit)
+            m_client.m_toolkits.clear();
+        known = m_client.m_toolkits.insert(object.bus, name.value_or(QString()));
+    }
+    return known.value() == QLatin1String(toolkit);
+}
+
 void AtspiRequest::setLastFocus(const AtspiObject &window, const AtspiObject &focus)
 {
     if (m_client.m_lastFocus.size() >= cacheLimit)
@@ -150,6 +165,13 @@ std::optional<T> basic(const DBusReply &reply, const char *type)
     if (!message || sd_bus_message_read(message, type, &value) <= 0)
         return std::nullopt;
     return value;
+}
+
+std::optional<QString> bounded(const char *text)
+{
+    if (qstrnlen(text, textByteLimit + 1) > textByteLimit)
+        return std::nullopt;
+    return QString::fromUtf8(text);
 }
 
 bool readReference(sd_bus_message *message, AtspiObject &object)
@@ -195,9 +217,16 @@ std::optional<int> integerProperty(const DBusReply &reply)
 std::optional<QString> text(const DBusReply &reply)
 {
     const auto value = basic<const char *>(reply, "s");
-    if (!value || qstrnlen(*value, textByteLimit + 1) > textByteLimit)
+    return value ? bounded(*value) : std::nullopt;
+}
+
+std::optional<QString> textProperty(const DBusReply &reply)
+{
+    const char *value = nullptr;
+    sd_bus_message *message = start(reply);
+    if (!message || sd_bus_message_read(message, "v", "s", &value) <= 0)
         return std::nullopt;
-    return QString::fromUtf8(*value);
+    return bounded(value);
 }
 
 std::optional<AtspiObject> object(const DBusReply &reply)

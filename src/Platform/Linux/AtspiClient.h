@@ -55,6 +55,7 @@ private:
     QByteArray m_address;
     QByteArray m_busIdentifier;
     QHash<QByteArray, qint64> m_processes;       ///< of bus names, which are never used twice
+    QHash<QByteArray, QString> m_toolkits;       ///< of applications, by bus name
     QHash<AtspiObject, AtspiObject> m_lastFocus; ///< by window
 };
 
@@ -90,6 +91,9 @@ public:
     /// The process that owns each bus name; 0 where it is gone.
     std::vector<qint64> processes(const QList<QByteArray> &names);
 
+    /// Whether the object's application is built with the toolkit: for what only one of them does wrong.
+    bool isOfToolkit(const AtspiObject &object, const char *toolkit);
+
     AtspiObject lastFocus(const AtspiObject &window) const { return m_client.m_lastFocus.value(window); }
     void setLastFocus(const AtspiObject &window, const AtspiObject &focus);
 
@@ -109,6 +113,7 @@ std::optional<int> integer(const DBusReply &reply);
 std::optional<quint32> number(const DBusReply &reply);
 std::optional<int> integerProperty(const DBusReply &reply);
 std::optional<QString> text(const DBusReply &reply);
+std::optional<QString> textProperty(const DBusReply &reply);
 std::optional<AtspiObject> object(const DBusReply &reply);
 std::optional<AtspiObject> objectProperty(const DBusReply &reply);
 /// At most `limit` of them.

@@ -37,7 +37,7 @@ AXResult AtspiSystemWideElement::focusedElement()
     const auto window = m_context->activeWindow->activeWindow();
     if (!window)
         return {AXError::NoValue, {}};
-    const auto frame = AtspiTree::activeWindow(request, window->processIdentifier);
+    const auto frame = AtspiTree::windowObject(request, *window);
     const auto focused = frame ? AtspiTree::focusedObject(request, *frame) : std::nullopt;
     if (focused) {
         const AtspiText::Selection own = AtspiText::selection(request, *focused);
@@ -62,7 +62,7 @@ AXResult AtspiSystemWideElement::elementAtPosition(float x, float y)
     if (request.error() != AXError::None)
         return request.failure(AXError::CannotComplete);
     const auto window = m_context->activeWindow->activeWindow();
-    const auto frame = window ? AtspiTree::activeWindow(request, window->processIdentifier) : std::nullopt;
+    const auto frame = window ? AtspiTree::windowObject(request, *window) : std::nullopt;
     const QPointF pixels = m_context->scale.toPixels(QPointF(x, y));
     // Written so that numbers that are none fail it too.
     if (!frame || !(std::abs(pixels.x()) < 1e6 && std::abs(pixels.y()) < 1e6))

@@ -12,6 +12,7 @@ inline constexpr char registryInterface[] = "org.a11y.atspi.Registry";
 inline constexpr char rootPath[] = "/org/a11y/atspi/accessible/root";
 
 inline constexpr char accessible[] = "org.a11y.atspi.Accessible";
+inline constexpr char application[] = "org.a11y.atspi.Application";
 inline constexpr char collection[] = "org.a11y.atspi.Collection";
 inline constexpr char component[] = "org.a11y.atspi.Component";
 inline constexpr char hyperlink[] = "org.a11y.atspi.Hyperlink";

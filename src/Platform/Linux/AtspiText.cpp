@@ -21,7 +21,8 @@ struct Node
 {
     AtspiObject object;
     AtspiTextRange range;
-    QString text;
+    QString text;      ///< of the range
+    int firstLink = 0; ///< number of the first embedded object in the range among all of the object's
     quint32 role = 0;
     std::vector<std::size_t> children; ///< one for each embedded object; 0 where it has no text
 };
@@ -41,27 +42,42 @@ QString withoutPadding(const QString &text)
     return result;
 }
 
-/// How far a position in a text is from the text's start, in the counting that makes `text` as long as its
-/// range.
+/// Applications count UTF-16 units or code points. Which it is shows where the length that they tell can be
+/// compared with the text that they send.
 class Counting
 {
 public:
-    Counting(const QString &text, AtspiTextRange range)
+    Counting(const QString &text, int length)
         : m_text(text)
-        , m_inUnits(range.end - range.start == text.size())
+        , m_inUnits(length == text.size())
     {}
 
-    /// Positions must not decrease from call to call.
+    /// The application's number for a position in the text. Positions must not decrease from call to call.
     int offsetOf(qsizetype position)
     {
-        for (; m_position < position; ++m_position) {
-            if (m_inUnits || !m_text[m_position].isLowSurrogate())
-                ++m_offset;
-        }
+        while (m_position < position)
+            step();
         return m_offset;
+    }
+    /// The other way round. Offsets must not decrease from call to call.
+    qsizetype positionOf(int offset)
+    {
+        while (m_position < m_text.size() && m_offset < offset)
+            step();
+        // Not between the halves of a character.
+        while (m_position < m_text.size() && m_text[m_position].isLowSurrogate())
+            step();
+        return m_position;
     }
 
 private:
+    void step()
+    {
+        if (m_inUnits || !m_text[m_position].isLowSurrogate())
+            ++m_offset;
+        ++m_position;
+    }
+
     const QString &m_text;
     bool m_inUnits;
     qsizetype m_position = 0;
@@ -80,7 +96,7 @@ int lineBreaksInside(const QString &text)
 
 void addRuns(const Node &node, QList<Run> &runs)
 {
-    Counting counting(node.text, node.range);
+    Counting counting(node.text, node.range.end - node.range.start);
     qsizetype from = 0;
     while (from < node.text.size()) {
         qsizetype to = node.text.indexOf(embeddedObject, from);
@@ -97,35 +113,13 @@ void addRuns(const Node &node, QList<Run> &runs)
     }
 }
 
-/// The objects embedded in a level of nodes: for each its parent, and where it could be found.
-struct Embedded
+/// A stretch of an object's text, to be read with what is embedded in it.
+struct Part
 {
-    std::size_t parent;
-    int offset;
-    std::optional<AtspiObject> object;
+    std::optional<std::size_t> parent;   ///< the node that embeds it
+    std::optional<AtspiObject> object;   ///< none where the application does not tell
+    std::optional<AtspiTextRange> range; ///< none: the object's own selection, else all its text
 };
-
-void resolve(AtspiRequest &request, const std::vector<Node> &nodes, std::vector<Embedded> &embedded)
-{
-    const auto round = [&](const char *interface, const char *member, auto objectOf, auto argumentOf) {
-        std::vector<DBusMessage> questions;
-        for (std::size_t i = 0; i < embedded.size(); ++i)
-            questions.push_back(request.method(objectOf(i), interface, member, "i", argumentOf(i)));
-        return request.callAll(questions);
-    };
-    const auto parentOf = [&](std::size_t i) { return nodes[embedded[i].parent].object; };
-
-    const auto indices =
-        round(Atspi::hypertext, "GetLinkIndex", parentOf, [&](std::size_t i) { return embedded[i].offset; });
-    const auto links = round(Atspi::hypertext, "GetLink", parentOf,
-                             [&](std::size_t i) { return AtspiReply::integer(indices[i]).value_or(-1); });
-    const auto objects = round(
-        Atspi::hyperlink, "GetObject",
-        [&](std::size_t i) { return AtspiReply::object(links[i]).value_or(AtspiObject{}); },
-        [](std::size_t) { return 0; });
-    for (std::size_t i = 0; i < embedded.size(); ++i)
-        embedded[i].object = AtspiReply::object(objects[i]);
-}
 
 std::optional<AtspiTextRange> ordered(const std::optional<AtspiTextRange> &range)
 {
@@ -135,32 +129,96 @@ std::optional<AtspiTextRange> ordered(const std::optional<AtspiTextRange> &range
     return AtspiTextRange{std::min(range->start, range->end), std::max(range->start, range->end)};
 }
 
-/// Adds the embedded objects that have text as nodes: each with its own selection, or whole where it has
-/// none.
-void addNodes(AtspiRequest &request, std::vector<Node> &nodes, const std::vector<Embedded> &embedded,
+bool hasWideCharacters(const QString &text)
+{
+    return std::any_of(text.begin(), text.end(), [](QChar c) { return c.isSurrogate(); });
+}
+
+/// Chromium converts the ends of selections from UTF-16 units to code points twice over. Its caret, where the
+/// object has it, is converted once: it tells whether the selection still needs to be put right.
+AtspiTextRange repaired(AtspiRequest &request, const AtspiObject &object, const QString &text,
+                        AtspiTextRange range)
+{
+    if (!hasWideCharacters(text) || !request.isOfToolkit(object, "Chromium"))
+        return range;
+    Counting codePoints(text, -1);
+    const AtspiTextRange units{static_cast<int>(codePoints.positionOf(range.start)),
+                               static_cast<int>(codePoints.positionOf(range.end))};
+    const int caret =
+        AtspiReply::integerProperty(request.call(request.property(object, Atspi::text, "CaretOffset")))
+            .value_or(-1);
+    const bool isRight = caret >= 0 && (caret == range.start || caret == range.end) && caret != units.start &&
+                         caret != units.end;
+    return isRight ? range : units;
+}
+
+/// Adds the parts that have text as nodes.
+void addNodes(AtspiRequest &request, std::vector<Node> &nodes, const std::vector<Part> &parts,
               QSet<AtspiObject> &seen)
 {
     std::vector<DBusMessage> questions;
-    for (const Embedded &one : embedded) {
-        const AtspiObject object = one.object.value_or(AtspiObject{});
+    for (const Part &part : parts) {
+        const AtspiObject object = part.object.value_or(AtspiObject{});
         questions.push_back(request.method(object, Atspi::accessible, "GetRole"));
         questions.push_back(request.property(object, Atspi::text, "CharacterCount"));
+        questions.push_back(textQuestion(request, object, {0, -1}));
         questions.push_back(request.method(object, Atspi::text, "GetNSelections"));
         questions.push_back(request.method(object, Atspi::text, "GetSelection", "i", 0));
     }
     const std::vector<DBusReply> replies = request.callAll(questions);
-    for (std::size_t i = 0; i < embedded.size(); ++i) {
-        nodes[embedded[i].parent].children.push_back(0);
-        const int count = AtspiReply::integerProperty(replies[4 * i + 1]).value_or(0);
-        if (!embedded[i].object || count <= 0 || count > offsetLimit || seen.contains(*embedded[i].object))
-            continue;
-        seen.insert(*embedded[i].object);
-        Node node{*embedded[i].object, {0, count}, {}, AtspiReply::number(replies[4 * i]).value_or(0), {}};
-        if (AtspiReply::integer(replies[4 * i + 2]).value_or(0) > 0)
-            node.range = ordered(AtspiReply::range(replies[4 * i + 3])).value_or(node.range);
-        nodes[embedded[i].parent].children.back() = nodes.size();
-        nodes.push_back(std::move(node));
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        const Part &part = parts[i];
+        const DBusReply *answer = &replies[5 * i];
+        std::size_t added = 0;
+        const int count = AtspiReply::integerProperty(answer[1]).value_or(0);
+        const QString text = AtspiReply::text(answer[2]).value_or(QString());
+        if (part.object && !text.isEmpty() && !seen.contains(*part.object)) {
+            seen.insert(*part.object);
+            AtspiTextRange range = part.range.value_or(AtspiTextRange{0, count});
+            const auto selected = ordered(AtspiReply::range(answer[4]));
+            if (!part.range && AtspiReply::integer(answer[3]).value_or(0) > 0 && selected)
+                range = repaired(request, *part.object, text, *selected);
+            Counting counting(text, count);
+            const qsizetype from = counting.positionOf(range.start);
+            const qsizetype to = counting.positionOf(range.end);
+            added = nodes.size();
+            nodes.push_back({*part.object,
+                             range,
+                             text.mid(from, to - from),
+                             static_cast<int>(QStringView(text).left(from).count(embeddedObject)),
+                             AtspiReply::number(answer[0]).value_or(0),
+                             {}});
+        }
+        if (part.parent)
+            nodes[*part.parent].children.push_back(added);
     }
+}
+
+/// The objects that are embedded in the nodes from `first` on.
+std::vector<Part> embeddedIn(AtspiRequest &request, const std::vector<Node> &nodes, std::size_t first)
+{
+    std::vector<Part> parts;
+    std::vector<DBusMessage> questions;
+    for (std::size_t i = first; i < nodes.size(); ++i) {
+        // By their order: applications disagree with themselves about offsets of embedded objects.
+        const auto count = nodes[i].text.count(embeddedObject);
+        if (nodes.size() + parts.size() + static_cast<std::size_t>(count) > nodeLimit)
+            return {};
+        for (int link = 0; link < count; ++link) {
+            parts.push_back({i, std::nullopt, std::nullopt});
+            questions.push_back(
+                request.method(nodes[i].object, Atspi::hypertext, "GetLink", "i", nodes[i].firstLink + link));
+        }
+    }
+    const std::vector<DBusReply> links = request.callAll(questions);
+    questions.clear();
+    for (const DBusReply &link : links)
+        questions.push_back(request.method(AtspiReply::object(link).value_or(AtspiObject{}), Atspi::hyperlink,
+                                           "GetObject", "i", 0));
+    const std::vector<DBusReply> objects = request.callAll(questions);
+    for (std::size_t i = 0; i < parts.size(); ++i)
+        parts[i].object = AtspiReply::object(objects[i]);
+    return parts;
 }
 
 /// Puts the nodes' texts together.
@@ -212,6 +270,26 @@ private:
     QChar m_separator;
 };
 
+/// The rectangle of a run from what the application answered about it, and about its first and last character
+/// where it has several lines.
+std::optional<QRect> runRectangle(const Run &run, const DBusReply *answer)
+{
+    const QRect whole = AtspiReply::rectangle(answer[0]).value_or(QRect());
+    if (run.lineBreaks == 0)
+        return whole;
+    // Some editors answer with one line's rectangle for text of several lines. Then the first and the last
+    // character may still tell; but a wrong place is worse than none.
+    const QRect first = AtspiReply::rectangle(answer[1]).value_or(QRect());
+    const QRect last = AtspiReply::rectangle(answer[2]).value_or(QRect());
+    const auto isHighEnough = [&](const QRect &rectangle) {
+        return rectangle.height() >= qint64(first.height()) * (run.lineBreaks + 1) * 2 / 3;
+    };
+    if (isHighEnough(whole))
+        return whole;
+    const QRect ends = whole.united(first).united(last);
+    return isHighEnough(ends) && last.top() > first.top() ? std::optional(ends) : std::nullopt;
+}
+
 } // namespace
 
 Selection selection(AtspiRequest &request, const AtspiObject &object)
@@ -222,6 +300,10 @@ Selection selection(AtspiRequest &request, const AtspiObject &object)
     for (int i = 0; i < std::min(count.value_or(0), selectionLimit) && !result.range; ++i)
         result.range = ordered(
             AtspiReply::range(request.call(request.method(object, Atspi::text, "GetSelection", "i", i))));
+    if (result.range && request.isOfToolkit(object, "Chromium")) {
+        const auto text = AtspiReply::text(request.call(textQuestion(request, object, {0, -1})));
+        result.range = repaired(request, object, text.value_or(QString()), *result.range);
+    }
     return result;
 }
 
@@ -232,38 +314,27 @@ std::optional<Content> plainContent(AtspiRequest &request, const AtspiObject &ob
         return std::nullopt;
     Content content{withoutPadding(*text), {}, text->contains(embeddedObject)};
     if (!content.embedding)
-        addRuns(Node{object, range, *text, 0, {}}, content.runs);
+        addRuns(Node{object, range, *text, 0, 0, {}}, content.runs);
     return content;
 }
 
 std::optional<Content> content(AtspiRequest &request, const AtspiObject &object, AtspiTextRange range)
 {
-    std::vector<Node> nodes{Node{object, range, {}, 0, {}}};
-    QSet<AtspiObject> seen{object};
-    std::size_t levelStart = 0;
-    for (int depth = 0; depth < depthLimit && levelStart < nodes.size(); ++depth) {
-        const std::size_t levelEnd = nodes.size();
-        std::vector<DBusMessage> questions;
-        for (std::size_t i = levelStart; i < levelEnd; ++i)
-            questions.push_back(textQuestion(request, nodes[i].object, nodes[i].range));
-        const std::vector<DBusReply> replies = request.callAll(questions);
-        std::vector<Embedded> embedded;
-        for (std::size_t i = levelStart; i < levelEnd; ++i) {
-            nodes[i].text = AtspiReply::text(replies[i - levelStart]).value_or(QString());
-            Counting counting(nodes[i].text, nodes[i].range);
-            for (qsizetype at = nodes[i].text.indexOf(embeddedObject); at >= 0;
-                 at = nodes[i].text.indexOf(embeddedObject, at + 1))
-                embedded.push_back({i, nodes[i].range.start + counting.offsetOf(at), std::nullopt});
-        }
-        if (levelEnd + embedded.size() > nodeLimit)
-            return std::nullopt;
-        resolve(request, nodes, embedded);
-        addNodes(request, nodes, embedded, seen);
-        levelStart = levelEnd;
+    std::vector<Node> nodes;
+    QSet<AtspiObject> seen;
+    std::vector<Part> level{{std::nullopt, object, range}};
+    for (int depth = 0; depth < depthLimit && !level.empty(); ++depth) {
+        const std::size_t first = nodes.size();
+        addNodes(request, nodes, level, seen);
+        level = embeddedIn(request, nodes, first);
     }
-    // The deepest level that was reached has no children where its own text was not read.
-    if (request.error() != AXError::None || levelStart < nodes.size())
+    if (request.error() != AXError::None || nodes.empty())
         return std::nullopt;
+    // Where one of the limits was reached, some embedded objects were left unread.
+    for (const Node &node : nodes) {
+        if (node.text.count(embeddedObject) != static_cast<qsizetype>(node.children.size()))
+            return std::nullopt;
+    }
     Content content{withoutPadding(Assembly(nodes).text()), {}, nodes.front().text.contains(embeddedObject)};
     for (const Node &node : nodes)
         addRuns(node, content.runs);
@@ -278,24 +349,22 @@ std::optional<QRect> bounds(AtspiRequest &request, const AtspiObject &object, co
     for (const Run &run : runs) {
         questions.push_back(request.method(run.object, Atspi::text, "GetRangeExtents", "iiu", run.range.start,
                                            run.range.end, Atspi::screenCoordinates));
-        if (run.lineBreaks > 0)
-            questions.push_back(request.method(run.object, Atspi::text, "GetCharacterExtents", "iu",
-                                               run.range.start, Atspi::screenCoordinates));
+        if (run.lineBreaks == 0)
+            continue;
+        for (const int offset : {run.range.start, run.range.end - 1})
+            questions.push_back(request.method(run.object, Atspi::text, "GetCharacterExtents", "iu", offset,
+                                               Atspi::screenCoordinates));
     }
     const std::vector<DBusReply> replies = request.callAll(questions);
     QRect united;
     std::size_t next = 1;
     for (const Run &run : runs) {
-        const QRect rectangle = AtspiReply::rectangle(replies[next++]).value_or(QRect());
-        if (run.lineBreaks > 0) {
-            // Some editors answer with one line's rectangle for text of several lines, often not even the
-            // selected one's. A wrong place is worse than none.
-            const qint64 lineHeight = AtspiReply::rectangle(replies[next++]).value_or(QRect()).height();
-            if (rectangle.height() < lineHeight * (run.lineBreaks + 1) * 2 / 3)
-                return std::nullopt;
-        }
-        if (rectangle.width() > 0 && rectangle.height() > 0)
-            united = united.united(rectangle);
+        const auto rectangle = runRectangle(run, &replies[next]);
+        next += run.lineBreaks == 0 ? 1 : 3;
+        if (!rectangle)
+            return std::nullopt;
+        if (rectangle->width() > 0 && rectangle->height() > 0)
+            united = united.united(*rectangle);
     }
     const QRect visible = AtspiReply::rectangle(replies[0]).value_or(united).intersected(united);
     return visible.isEmpty() ? std::nullopt : std::optional(visible);

@@ -151,9 +151,9 @@ std::optional<AtspiObject> childAt(AtspiRequest &request, const AtspiObject &obj
 
 } // namespace
 
-std::optional<AtspiObject> activeWindow(AtspiRequest &request, qint64 processIdentifier)
+std::optional<AtspiObject> windowObject(AtspiRequest &request, const ActiveWindow &window)
 {
-    if (processIdentifier <= 0)
+    if (window.processIdentifier <= 0)
         return std::nullopt;
     const QList<AtspiObject> applications =
         children(request, {Atspi::registryName, Atspi::rootPath}, applicationLimit);
@@ -161,10 +161,9 @@ std::optional<AtspiObject> activeWindow(AtspiRequest &request, qint64 processIde
     for (const AtspiObject &application : applications)
         names << application.bus;
     const std::vector<qint64> processes = request.processes(names);
-    std::optional<AtspiObject> showing;
-    int showingCount = 0;
+    QList<AtspiObject> showing;
     for (qsizetype i = 0; i < applications.size(); ++i) {
-        if (processes[static_cast<std::size_t>(i)] != processIdentifier)
+        if (processes[static_cast<std::size_t>(i)] != window.processIdentifier)
             continue;
         const QList<AtspiObject> windows = children(request, applications[i], windowLimit);
         const std::vector<quint64> states = statesOf(request, windows);
@@ -172,13 +171,23 @@ std::optional<AtspiObject> activeWindow(AtspiRequest &request, qint64 processIde
             const quint64 state = states[static_cast<std::size_t>(w)];
             if (Atspi::has(state, Atspi::StateActive))
                 return windows[w];
-            if (Atspi::has(state, Atspi::StateShowing)) {
-                showing = windows[w];
-                ++showingCount;
-            }
+            if (Atspi::has(state, Atspi::StateShowing))
+                showing << windows[w];
         }
     }
-    return showingCount == 1 ? showing : std::nullopt;
+    if (showing.size() == 1)
+        return showing.first();
+    // Not every application tells which of its windows is active.
+    std::vector<DBusMessage> questions;
+    for (const AtspiObject &object : showing)
+        questions.push_back(request.property(object, Atspi::accessible, "Name"));
+    const std::vector<DBusReply> titles = request.callAll(questions);
+    for (qsizetype i = 0; i < showing.size(); ++i) {
+        const auto name = AtspiReply::textProperty(titles[static_cast<std::size_t>(i)]);
+        if (name && !name->isEmpty() && *name == window.title)
+            return showing[i];
+    }
+    return std::nullopt;
 }
 
 std::optional<AtspiObject> focusedObject(AtspiRequest &request, const AtspiObject &window)

@@ -5,6 +5,7 @@
 
 #include <QPoint>
 
+#include "Platform/Linux/ActiveWindow.h"
 #include "Platform/Linux/AtspiClient.h"
 
 /// Finding objects in applications' trees. Nothing is found where an application does not answer sensibly;
@@ -12,8 +13,8 @@
 /// endless.
 namespace tovi::AtspiTree {
 
-/// The active window of the process.
-std::optional<AtspiObject> activeWindow(AtspiRequest &request, qint64 processIdentifier);
+/// The accessible object of the desktop's active window.
+std::optional<AtspiObject> windowObject(AtspiRequest &request, const ActiveWindow &window);
 /// The object inside the window that has the keyboard focus.
 std::optional<AtspiObject> focusedObject(AtspiRequest &request, const AtspiObject &window);
 /// The innermost object of the window at the point (the desktop's pixels).

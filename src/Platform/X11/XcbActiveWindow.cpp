@@ -15,7 +15,10 @@ std::optional<ActiveWindow> XcbActiveWindow::activeWindow()
     qint64 process = m_connection.number(window, m_connection.atom("_NET_WM_PID"), XCB_ATOM_CARDINAL);
     if (process == 0)
         process = m_connection.processOf(window);
-    return ActiveWindow{process, window};
+    return ActiveWindow{
+        process,
+        m_connection.text(window, m_connection.atom("_NET_WM_NAME"), m_connection.atom("UTF8_STRING")),
+        window};
 }
 
 } // namespace tovi

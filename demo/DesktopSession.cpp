@@ -243,7 +243,8 @@ QByteArray DesktopSession::readProperty(xcb_window_t window, const char *name) c
 xcb_window_t DesktopSession::activeWindow() const
 {
     const QByteArray value = readProperty(m_screen->root, "_NET_ACTIVE_WINDOW");
-    return value.size() == 4 ? *reinterpret_cast<const xcb_window_t *>(value.constData()) : xcb_window_t(XCB_WINDOW_NONE);
+    return value.size() == 4 ? *reinterpret_cast<const xcb_window_t *>(value.constData())
+                             : xcb_window_t(XCB_WINDOW_NONE);
 }
 
 QString DesktopSession::title(xcb_window_t window) const

@@ -15,9 +15,19 @@
 #include "Platform/Trace.h"
 #include "Settings.h"
 
+/// The pictures are in a static library, which nothing else would pull in.
+static void loadResources()
+{
+    Q_INIT_RESOURCE(tovi);
+}
+
 namespace tovi {
 
-AppDelegate::AppDelegate() = default;
+AppDelegate::AppDelegate()
+{
+    loadResources();
+}
+
 AppDelegate::~AppDelegate() = default;
 
 void AppDelegate::applicationDidFinishLaunching()

@@ -83,7 +83,8 @@ QCoro::Task<> AppDelegate::runCapture(bool preferOCR, std::optional<QPointF> at,
             holder->model = self->showOCRProgress(token, std::nullopt, appName);
         holder->model->updateOCRProgress(progress);
     };
-    const auto result = co_await CaptureManager::shared().capture(preferOCR, at, onProgress);
+    auto capture = CaptureManager::shared().capture(preferOCR, at, onProgress);
+    const auto result = co_await capture;
     if (self && isCurrent(token))
         captureFinished(result, holder->model);
 }
@@ -170,7 +171,8 @@ QCoro::Task<> AppDelegate::performRegionOCR(QRectF rect, qint64 token, std::opti
         if (self && self->isCurrent(token))
             model->updateOCRProgress(progress);
     };
-    const OCRResult result = co_await OCRCapturer::recognizeText(rect, onProgress);
+    auto recognition = OCRCapturer::recognizeText(rect, onProgress);
+    const OCRResult result = co_await recognition;
     if (!self || !isCurrent(token))
         co_return;
     m_isCapturing = false;
@@ -248,8 +250,10 @@ QCoro::Task<> AppDelegate::runTranslation(QString text, Model model, QUuid provi
         }
     };
     try {
-        const TranslationResult result = co_await Translator::shared().translate(
-            text, Settings::shared().targetLanguage, model->sourceLanguage, providerID, onDelta);
+        // Not in one expression: the compiler destroys converted arguments of an awaited call twice.
+        auto translation = Translator::shared().translate(text, Settings::shared().targetLanguage,
+                                                          model->sourceLanguage, providerID, onDelta);
+        const TranslationResult result = co_await translation;
         model->translatedText = result.translatedText;
         model->phonetic = result.dictionary ? result.dictionary->phonetic : std::nullopt;
         model->meanings = result.dictionary ? result.dictionary->meanings : QStringList();

@@ -27,10 +27,14 @@ protected:
     {
         platform.userDefaults().values[QStringLiteral("ocrEnabled")] = false;
         platform.translationFramework().onOpen = [this](auto &request) { request.handler(session); };
-        for (const ProviderConfig &provider : Settings::shared().providers.get()) {
+        QList<ProviderConfig> providers = Settings::shared().providers;
+        for (ProviderConfig &provider : providers) {
+            provider.fallbackToGoogle = false;
             if (provider.kind == ProviderKind::apple)
                 Settings::shared().currentProviderID = provider.id;
         }
+        Settings::shared().providers = providers;
+        platform.clock().advance(1s); // past the engine list's delayed save
         delegate.applicationDidFinishLaunching();
     }
 

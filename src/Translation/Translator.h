@@ -2,16 +2,17 @@
 #pragma once
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
 
-#include <QList>
+#include <QHash>
 #include <QString>
+#include <QStringList>
 #include <QUuid>
 #include <qcorotask.h>
 
+#include "Platform/Clock.h"
 #include "Platform/DispatchQueue.h"
 #include "ProviderConfig.h"
 #include "Translation/TranslationModels.h"
@@ -26,8 +27,15 @@ class Translator
 public:
     /// Called on the main thread with the whole translation received so far.
     using DeltaHandler = std::function<void(const QString &)>;
+    /// Makes an engine named `name` whose requests take at most about `timeout`.
+    using ProviderFactory = std::function<std::unique_ptr<TranslationProvider>(
+        const ProviderConfig &config, const QString &name, Clock::Duration timeout)>;
+
+    static constexpr int cacheLimit = 300;
 
     static Translator &shared();
+    Translator();
+    ~Translator();
 
     /// Called and resumed on the main thread; the engine works on the background executor. Throws
     /// TranslationError only.
@@ -35,6 +43,22 @@ public:
                                              std::optional<QUuid> providerID, DeltaHandler onDelta);
     /// One uncached translation with exactly this configuration, which may be unsaved.
     QCoro::Task<TranslationResult> testConnection(ProviderConfig config);
+
+    /// Where engines come from. Called on the background executor; set before the first translation.
+    ProviderFactory providerFactory;
+
+private:
+    struct Request;
+
+    static QCoro::Task<TranslationResult> perform(ProviderFactory factory, Request request);
+    std::optional<TranslationResult> cachedResult(const QString &key) const;
+    void store(const TranslationResult &result, const QString &key);
+
+    mutable std::mutex m_cacheLock;
+    QHash<QString, TranslationResult> m_cache;
+    QStringList m_cacheOrder;
+    // Last, so that its thread ends before anything it uses.
+    DispatchQueue m_executor{QStringLiteral("com.brevoll.tovi.translation")};
 };
 
 } // namespace tovi

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "UI/ResultView.h"
 
+#include <utility>
+
 #include <QBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -273,12 +275,17 @@ void ResultView::paintEvent(QPaintEvent *)
     painter.setBrush(palette().color(QPalette::Base));
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
 
-    if (Trace::isEnabled()) {
-        const bool hasText = !m_model->translatedText->isEmpty();
-        Trace::mark(
-            hasText ? "textPainted" : "panelPainted",
-            {{"loading", m_model->isLoading ? 1 : 0}, {"failed", m_model->errorMessage.get() ? 1 : 0}});
-    }
+    traceFirstPaints();
+}
+
+void ResultView::traceFirstPaints()
+{
+    if (!Trace::isEnabled())
+        return;
+    if (!std::exchange(m_hasPainted, true))
+        Trace::mark("panelPainted");
+    if (!m_model->isLoading && !std::exchange(m_hasPaintedResult, true))
+        Trace::mark("textPainted", {{"failed", m_model->errorMessage.get() ? 1 : 0}});
 }
 
 } // namespace tovi

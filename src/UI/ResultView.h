@@ -40,6 +40,7 @@ private:
     void refresh();
     void retranslate();
     void showTranslation();
+    void traceFirstPaints();
 
     std::shared_ptr<ResultViewModel> m_model;
     QLabel *m_title = nullptr;
@@ -52,6 +53,8 @@ private:
     Subscription m_languageChanges;
     bool m_isRefreshPending = false;
     bool m_isRefreshing = false;
+    bool m_hasPainted = false;       ///< for the trace
+    bool m_hasPaintedResult = false; ///< for the trace
 };
 
 } // namespace tovi

@@ -6,6 +6,11 @@
 #include "Platform/X11/XcbActiveWindow.h"
 #include "Platform/X11/XcbPrimarySelection.h"
 
+void PrintTo(const QString &text, std::ostream *stream)
+{
+    *stream << '"' << text.toStdString() << '"';
+}
+
 namespace tovi {
 
 namespace {
@@ -97,6 +102,20 @@ Captured AccessibilityDesktop::captureUntil(const QString &expected)
         return captured.text == expected;
     });
     return captured;
+}
+
+bool AccessibilityDesktop::waitForAccessibleFocus()
+{
+    return DesktopSession::eventually([this] {
+        return onQueue([this] {
+            const AXResult focused = withTimeout(accessibility->systemWideElement())
+                                         .attribute(QStringLiteral("AXFocusedUIElement"));
+            const auto *element = focused.get<AXElement>();
+            const AXError error =
+                element ? element->attribute(QStringLiteral("AXSelectedTextRange")).error : focused.error;
+            return error == AXError::None || (element && error == AXError::NoValue);
+        });
+    });
 }
 
 QString AccessibilityDesktop::textAt(QPoint position)

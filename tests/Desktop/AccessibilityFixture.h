@@ -7,6 +7,9 @@
 #include "Platform/DispatchQueue.h"
 #include "Platform/Linux/AtspiAccessibility.h"
 
+/// For readable messages of failed expectations.
+void PrintTo(const QString &text, std::ostream *stream);
+
 namespace tovi {
 
 /// What a capture through the accessibility service found, and how long each step took.
@@ -38,6 +41,8 @@ protected:
     }
     /// Focused element, its selected text, its bounds: once.
     Captured capture();
+    /// Waits until the focused element is one that tells its text: applications appear on the bus late.
+    bool waitForAccessibleFocus();
     /// Captures until the text is the expected one, or gives up.
     Captured captureUntil(const QString &expected);
     /// The selected text at a point of the screen, walking up as the capturer does.

@@ -47,11 +47,24 @@ std::optional<AtspiObject> askCollection(AtspiRequest &request, const AtspiObjec
     return found.isEmpty() ? std::nullopt : std::optional(found.first());
 }
 
-/// Level by level, each level in two rounds of questions. Containers may claim the focus of what they
-/// contain, so the search goes on below the first object that has it.
+/// Several objects may claim the focus: containers for what they contain, the tab of the page that has it.
+std::optional<AtspiObject> bestFocus(AtspiRequest &request, const QList<AtspiObject> &focused)
+{
+    std::vector<DBusMessage> questions;
+    for (const AtspiObject &object : focused)
+        questions.push_back(request.method(object, Atspi::text, "GetNSelections"));
+    const std::vector<DBusReply> replies = request.callAll(questions);
+    for (std::size_t i = 0; i < replies.size(); ++i) {
+        if (AtspiReply::integer(replies[i]))
+            return focused[static_cast<qsizetype>(i)];
+    }
+    return focused.isEmpty() ? std::nullopt : std::optional(focused.first());
+}
+
+/// Level by level, each level in two rounds of questions.
 std::optional<AtspiObject> searchFocus(AtspiRequest &request, const AtspiObject &window)
 {
-    std::optional<AtspiObject> focused;
+    QList<AtspiObject> focused;
     QSet<AtspiObject> seen{window};
     QList<AtspiObject> level{window};
     for (int depth = 0; depth < depthLimit && !level.isEmpty() && request.error() == AXError::None; ++depth) {
@@ -60,27 +73,22 @@ std::optional<AtspiObject> searchFocus(AtspiRequest &request, const AtspiObject 
             questions.push_back(request.method(object, Atspi::accessible, "GetState"));
             questions.push_back(request.property(object, Atspi::accessible, "ChildCount"));
         }
-        std::vector<DBusReply> replies = request.callAll(questions);
-        QList<AtspiObject> parents;
+        const std::vector<DBusReply> replies = request.callAll(questions);
+        questions.clear();
         for (qsizetype i = 0; i < level.size(); ++i) {
             const auto at = static_cast<std::size_t>(2 * i);
             const quint64 states = AtspiReply::states(replies[at]);
             const int count = AtspiReply::integerProperty(replies[at + 1]).value_or(0);
             if (!Atspi::has(states, Atspi::StateShowing) && level[i] != window)
                 continue;
-            const bool isFocused = Atspi::has(states, Atspi::StateFocused);
-            if (isFocused) {
-                focused = level[i];
-                parents.clear();
+            if (Atspi::has(states, Atspi::StateFocused)) {
+                if (Atspi::has(states, Atspi::StateEditable))
+                    return level[i];
+                focused << level[i];
             }
             if (count > 0 && count <= childLimit)
-                parents << level[i];
-            if (isFocused)
-                break;
+                questions.push_back(request.method(level[i], Atspi::accessible, "GetChildren"));
         }
-        questions.clear();
-        for (const AtspiObject &object : parents)
-            questions.push_back(request.method(object, Atspi::accessible, "GetChildren"));
         level.clear();
         for (const DBusReply &reply : request.callAll(questions)) {
             for (const AtspiObject &child : AtspiReply::objects(reply, childLimit)) {
@@ -93,7 +101,7 @@ std::optional<AtspiObject> searchFocus(AtspiRequest &request, const AtspiObject 
             }
         }
     }
-    return focused;
+    return bestFocus(request, focused);
 }
 
 bool contains(const std::optional<QRect> &extents, QPoint point)
@@ -106,8 +114,10 @@ DBusMessage extentsQuestion(AtspiRequest &request, const AtspiObject &object)
     return request.method(object, Atspi::component, "GetExtents", "u", Atspi::screenCoordinates);
 }
 
-/// For containers that do not find their own children by position.
-std::optional<AtspiObject> childAt(AtspiRequest &request, const AtspiObject &object, QPoint point)
+/// For containers that do not find their own children by position. Some have children without a place of
+/// their own whose children are the ones on the screen.
+std::optional<AtspiObject> childAt(AtspiRequest &request, const AtspiObject &object, QPoint point,
+                                   int levels = 2)
 {
     const auto count =
         AtspiReply::integerProperty(request.call(request.property(object, Atspi::accessible, "ChildCount")));
@@ -119,9 +129,22 @@ std::optional<AtspiObject> childAt(AtspiRequest &request, const AtspiObject &obj
     for (const AtspiObject &candidate : candidates)
         questions.push_back(extentsQuestion(request, candidate));
     const std::vector<DBusReply> replies = request.callAll(questions);
+    QList<AtspiObject> placeless;
     for (std::size_t i = replies.size(); i-- > 0;) {
-        if (Atspi::has(states[i], Atspi::StateShowing) && contains(AtspiReply::rectangle(replies[i]), point))
-            return candidates[static_cast<qsizetype>(i)];
+        if (!Atspi::has(states[i], Atspi::StateShowing))
+            continue;
+        const AtspiObject &candidate = candidates[static_cast<qsizetype>(i)];
+        const QRect extents = AtspiReply::rectangle(replies[i]).value_or(QRect());
+        if (extents.contains(point))
+            return candidate;
+        if (extents.isEmpty())
+            placeless << candidate;
+    }
+    for (const AtspiObject &candidate : placeless) {
+        if (levels <= 1 || request.error() != AXError::None)
+            break;
+        if (const auto found = childAt(request, candidate, point, levels - 1))
+            return found;
     }
     return std::nullopt;
 }

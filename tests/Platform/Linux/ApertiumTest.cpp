@@ -166,7 +166,8 @@ TEST_F(ApertiumProgramsTest, TextsOfAnyShapeComeBackIntact)
         QStringLiteral("*star #hash ~tilde +plus =is _low_ |pipe| `code`"),
         QStringLiteral("NUL") + QChar(0) + QStringLiteral("inside") + QChar(0),
         QStringLiteral("see https://example.com/a?b=c#d, www.example.org or me@example.com; file.tar.gz."),
-        QStringLiteral("smile 😀👩‍👩‍👧 flag 🇪🇸, 日本語 text, العربية, Привет ok"),
+        QStringLiteral(
+            "smile 😀👩‍👩‍👧 flag 🇪🇸, 日本語 text, العربية, Привет ok"),
         QString(QChar(0xd83d)) + QStringLiteral("lone") + QChar(0xde00),
         QStringLiteral("no\u00a0break soft\u00adhyphen zero\u200bwidth e\u0301"),
         QString(7001, QLatin1Char('x')),
@@ -241,7 +242,8 @@ TEST_F(ApertiumProgramsTest, TheLanguageIsDetectedForEachText)
     install(QStringLiteral("eng-spa"), "exec sed -z s/hous/kas/");
     install(QStringLiteral("fr-es"), "exec sed -z s/mais/cas/");
     const auto session = open(std::nullopt, es);
-    EXPECT_EQ(result(session->translate(QStringLiteral("The house is big"))), QStringLiteral("The kase is big"));
+    EXPECT_EQ(result(session->translate(QStringLiteral("The house is big"))),
+              QStringLiteral("The kase is big"));
     EXPECT_EQ(result(session->translate(QStringLiteral("La maison est grande"))),
               QStringLiteral("La cason est grande"));
     EXPECT_EQ(result(session->translate(QStringLiteral("La casa es grande"))),
@@ -270,13 +272,14 @@ TEST_F(ApertiumRealTest, Translates)
 
 TEST_F(ApertiumRealTest, KeepsWhatIsNotWords)
 {
-    EXPECT_EQ(translated(QStringLiteral("  red\n\n\t[blue] 😀 <b>green</b>\r\n日本語 https://example.com/red?x=1 "
-                                        "^white$ \\ @ {black} *red* x") +
-                             QChar(0) + QStringLiteral("yellow  "),
-                         en, es),
-              QStringLiteral("  rojo\n\n\t[azul] 😀 <b>verde</b>\r\n日本語 https://example.com/red?x=1 "
-                             "^blanco$ \\ @ {negro} *rojo* x") +
-                  QChar(0) + QStringLiteral("amarillo  "));
+    EXPECT_EQ(
+        translated(QStringLiteral("  red\n\n\t[blue] 😀 <b>green</b>\r\n日本語 https://example.com/red?x=1 "
+                                  "^white$ \\ @ {black} *red* x") +
+                       QChar(0) + QStringLiteral("yellow  "),
+                   en, es),
+        QStringLiteral("  rojo\n\n\t[azul] 😀 <b>verde</b>\r\n日本語 https://example.com/red?x=1 "
+                       "^blanco$ \\ @ {negro} *rojo* x") +
+            QChar(0) + QStringLiteral("amarillo  "));
 }
 
 TEST_F(ApertiumRealTest, SurvivesAKillAndAStopInMidSentence)
@@ -292,7 +295,8 @@ TEST_F(ApertiumRealTest, SurvivesAKillAndAStopInMidSentence)
         if (signal == SIGSTOP) {
             ASSERT_TRUE(waitUntil([&] { return platform.clock().pendingActions() > 0; }));
             // The limit counts from the last reply that came before the stop took effect.
-            while (!first.isFinished() && !waitUntil([&] { return !first.isFinished(); })) {}
+            while (!first.isFinished() && !waitUntil([&] { return !first.isFinished(); })) {
+            }
             waitUntil([&] {
                 platform.clock().advance(1s);
                 return first.isFinished();

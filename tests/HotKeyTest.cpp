@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include <QJsonArray>
 #include <QJsonDocument>
+#include <QSet>
 #include <gtest/gtest.h>
 
 #include "HotKey.h"
@@ -27,7 +29,7 @@ TEST(HotKey, ShowsModifiersInFixedOrderThenTheKey)
         EXPECT_EQ(key.displayString(), text);
 }
 
-TEST(HotKey, KeyNamesAreSeventyThreeAndDistinct)
+TEST(HotKey, NamesKeysApartAndTakesOnlyItsModifiers)
 {
     QSet<QString> names;
     for (quint32 code = 0; code < 256; ++code) {
@@ -35,13 +37,8 @@ TEST(HotKey, KeyNamesAreSeventyThreeAndDistinct)
             names << name;
     }
     EXPECT_EQ(names.size(), 73);
-}
-
-TEST(HotKey, TakesTheFourModifiersOfAnEvent)
-{
-    EXPECT_EQ(HotKey::carbonModifiers(Qt::ControlModifier | Qt::KeypadModifier), 256u);
-    EXPECT_EQ(HotKey::carbonModifiers(Qt::AltModifier | Qt::ShiftModifier | Qt::MetaModifier),
-              2048u + 512 + 4096);
+    EXPECT_EQ(HotKey::carbonModifiers(Qt::ControlModifier | Qt::KeypadModifier | Qt::AltModifier),
+              256u + 2048);
 }
 
 TEST(HotKey, DecodesOnlyWholeNumbersInRange)

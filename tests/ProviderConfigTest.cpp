@@ -15,10 +15,8 @@ ProviderConfig sample()
     config.id = QUuid::createUuid();
     config.name = QStringLiteral("Mine \"ü\"");
     config.kind = ProviderKind::openAI;
-    config.baseURL = QStringLiteral("http://localhost:1/v1");
-    config.model = QStringLiteral("m");
     config.temperature = 0.7;
-    config.systemPrompt = QStringLiteral("a\nb {{target}}");
+    config.systemPrompt = ProviderConfig::defaultSystemPrompt();
     config.fallbackToGoogle = true;
     return config;
 }
@@ -62,6 +60,7 @@ TEST(ProviderConfig, RoundTripsWithoutItsKey)
         EXPECT_EQ(json.size(), withOptionals ? 10 : 8);
         EXPECT_FALSE(json.contains(QStringLiteral("apiKey")));
         EXPECT_EQ(json[QStringLiteral("id")].toString(), config.id.toString(QUuid::WithoutBraces).toUpper());
+        EXPECT_EQ(json[QStringLiteral("systemPrompt")].toString().toUtf8().size(), 386);
         config.apiKey.clear();
         EXPECT_EQ(ProviderConfig::fromJson(json), config);
     }
@@ -92,11 +91,6 @@ TEST(ProviderConfig, OneBadMemberFailsTheWholeList)
     ProviderConfig endless = sample();
     endless.temperature = std::numeric_limits<double>::infinity();
     EXPECT_FALSE(ProviderConfig::listToJson({endless}));
-}
-
-TEST(ProviderConfig, DefaultPromptIsComplete)
-{
-    EXPECT_EQ(ProviderConfig::defaultSystemPrompt().toUtf8().size(), 386);
 }
 
 } // namespace

@@ -109,16 +109,13 @@ TEST_F(SettingsTest, FirstStartHasDefaultsAndTheThreeEngines)
 
 TEST_F(SettingsTest, ValuesOfAWrongTypeReadAsTheirDefaults)
 {
-    const QStringList keys{QStringLiteral("targetLanguage"),    QStringLiteral("sourceLanguage"),
-                           QStringLiteral("enableDoubleCopy"),  QStringLiteral("captureHotKey"),
-                           QStringLiteral("ocrHotKey"),         QStringLiteral("inputHotKey"),
-                           QStringLiteral("enableDictionary"),  QStringLiteral("resultPanelWidth"),
-                           QStringLiteral("resultFontSize"),    QStringLiteral("windowPosition"),
-                           QStringLiteral("appearance"),        QStringLiteral("browserScriptEnabled"),
-                           QStringLiteral("clipboardFallback"), QStringLiteral("preferMenuBarCopy"),
-                           QStringLiteral("restoreClipboard"),  QStringLiteral("ocrEnabled"),
-                           QStringLiteral("requestTimeout"),    QStringLiteral("ocrRegionSelection"),
-                           QStringLiteral("currentProviderID"), providersKey};
+    const QStringList keys =
+        QStringLiteral(
+            "targetLanguage sourceLanguage enableDoubleCopy captureHotKey ocrHotKey inputHotKey "
+            "enableDictionary resultPanelWidth resultFontSize windowPosition appearance requestTimeout "
+            "browserScriptEnabled clipboardFallback preferMenuBarCopy restoreClipboard ocrEnabled "
+            "ocrRegionSelection currentProviderID providers")
+            .split(u' ');
     for (const QJsonValue &wrong : {QJsonValue(), QJsonValue(QJsonArray{1}), QJsonValue(QJsonObject{})}) {
         for (const QString &key : keys)
             values.insert(key, wrong);
@@ -143,23 +140,17 @@ TEST_F(SettingsTest, EveryAssignmentStoresAndAnnouncesEvenAnEqualOne)
     settings().ocrEnabled = true;
     settings().requestTimeout = -1e300;
     settings().windowPosition = QStringLiteral("somewhere new");
+    for (const char *text : {"light", "dark", "sepia"})
+        settings().appearance = QLatin1String(text);
     settings().resetHotKeys();
-    EXPECT_EQ(announced, 6);
+    EXPECT_EQ(announced, 9);
+    EXPECT_THAT(platform.application().appearances, ElementsAre(1, 2, 0)) << "unknown follows the system";
     EXPECT_EQ(hotKeys, 3);
     EXPECT_EQ(writes(QStringLiteral("ocrEnabled")), 1);
 
     Settings again;
     EXPECT_EQ(again.requestTimeout, -1e300);
     EXPECT_EQ(again.windowPosition.get(), QStringLiteral("somewhere new")) << "unknown texts survive";
-    EXPECT_EQ(again.captureHotKey.get(), Settings::defaultCaptureHotKey);
-}
-
-TEST_F(SettingsTest, AppearanceIsAppliedAndUnknownFollowsTheSystem)
-{
-    for (const char *text : {"light", "dark", "sepia"})
-        settings().appearance = QLatin1String(text);
-    EXPECT_THAT(platform.application().appearances, ElementsAre(1, 2, 0));
-    EXPECT_EQ(values[QStringLiteral("appearance")].toString(), QStringLiteral("sepia"));
 }
 
 TEST_F(SettingsTest, LoginItemFailureSnapsBackAndApprovalIsExplained)
@@ -334,13 +325,10 @@ TEST_F(SettingsTest, AKeyTypedBeforeTheOldOneArrivesWins)
 
 TEST(TargetLanguages, MapCodesToNames)
 {
-    EXPECT_EQ(TargetLanguages::all().size(), 9);
     for (const TargetLanguage language : TargetLanguages::all())
         EXPECT_EQ(TargetLanguages::fromRawValue(TargetLanguages::rawValue(language)), language);
     EXPECT_EQ(TargetLanguages::name(QStringLiteral("zh-TW")), QStringLiteral("Traditional Chinese"));
-    EXPECT_EQ(TargetLanguages::ownName(QStringLiteral("ru")), QStringLiteral("Русский"));
-    EXPECT_EQ(TargetLanguages::name(QStringLiteral("auto")), QStringLiteral("auto"));
-    EXPECT_EQ(TargetLanguages::fromRawValue(QStringLiteral("EN")), std::nullopt);
+    EXPECT_EQ(TargetLanguages::ownName(QStringLiteral("auto")), QStringLiteral("auto"));
 }
 
 } // namespace

@@ -57,6 +57,9 @@ public:
     ~BoundedCalls()
     {
         g_source_destroy(m_timer);
+        // The proxies that are gone by now left their last clean-up to this context.
+        while (g_main_context_iteration(m_context, FALSE)) {
+        }
         g_source_unref(m_timer);
         g_main_context_pop_thread_default(m_context);
         g_main_context_unref(m_context);

@@ -110,7 +110,6 @@ struct SecretStoreTest : testing::Test
         const auto reply = QDBusConnection(busName).call(message);
         return reply.type() == QDBusMessage::ReplyMessage ? reply.arguments() : QVariantList();
     }
-    int logLines() { return static_cast<int>(platform.systemLog().lines.size()); }
 };
 
 void expectItem(SecretStore &store, const QString &account, Status status, const QByteArray &data = {})
@@ -153,7 +152,7 @@ TEST_F(SecretStoreTest, ALockedKeyringIsNotEmptyAndTakesOverLater)
     struct stat info = {};
     ASSERT_EQ(stat(file.toUtf8().constData(), &info), 0);
     EXPECT_EQ(info.st_mode & 0777, 0600u);
-    ASSERT_EQ(logLines(), 1);
+    ASSERT_EQ(platform.systemLog().lines.size(), 1);
     EXPECT_FALSE(platform.systemLog().lines.first().contains(QStringLiteral("typed")));
 
     stopKeyring();

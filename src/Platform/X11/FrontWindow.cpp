@@ -49,7 +49,8 @@ FrontWindow::FrontWindow()
                   {m_clientListAtom, "_NET_CLIENT_LIST"},
                   {m_strutAtom, "_NET_WM_STRUT"},
                   {m_strutPartialAtom, "_NET_WM_STRUT_PARTIAL"},
-                  {m_supportedAtom, "_NET_SUPPORTED"}};
+                  {m_supportedAtom, "_NET_SUPPORTED"},
+                  {m_nameAtom, "_NET_WM_NAME"}};
     std::vector<xcb_intern_atom_cookie_t> cookies;
     for (const auto &entry : wanted)
         cookies.push_back(requestAtom(connection, entry.name));
@@ -103,6 +104,7 @@ std::optional<FrontWindow::Details> FrontWindow::details()
     const auto pidCookie = m_session.requestProperty(id, m_pidAtom, 1);
     const auto classCookie = m_session.requestProperty(id, XCB_ATOM_WM_CLASS);
     const auto applicationCookie = m_session.requestProperty(id, m_applicationIdAtom);
+    const auto nameCookie = m_session.requestProperty(id, m_nameAtom);
     XcbOwned<xcb_res_query_client_ids_reply_t> clients;
     if (m_hasResources) {
         const xcb_res_client_id_spec_t spec{id, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
@@ -112,11 +114,13 @@ std::optional<FrontWindow::Details> FrontWindow::details()
     const auto classReply = m_session.reply(classCookie);
     const auto pidItems = propertyItems(m_session.reply(pidCookie).get());
     const auto application = propertyBytes(m_session.reply(applicationCookie).get());
+    const auto title = propertyBytes(m_session.reply(nameCookie).get());
     if (!classReply)
         return std::nullopt; // the window is gone
 
     Details details;
     details.window.id = id;
+    details.title = QString::fromUtf8(title);
     // Inside a sandbox an application counts processes its own way; the server knows the real one.
     details.window.processIdentifier = clientPid(clients.get());
     if (!details.window.processIdentifier)

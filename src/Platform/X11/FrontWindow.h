@@ -27,6 +27,7 @@ public:
     struct Details
     {
         Window window;
+        QString title; ///< may be empty
         ApplicationHints hints;
     };
 
@@ -60,7 +61,7 @@ private:
     std::mutex m_mutex; // of everything below
     XcbSession m_session;
     xcb_atom_t m_activeWindowAtom, m_pidAtom, m_applicationIdAtom, m_clientListAtom, m_strutAtom,
-        m_strutPartialAtom, m_supportedAtom;
+        m_strutPartialAtom, m_supportedAtom, m_nameAtom;
     bool m_hasResources = false;
     std::set<quint32> m_panels;
     quint32 m_lastWindow = 0;

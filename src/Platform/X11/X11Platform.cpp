@@ -47,10 +47,10 @@ public:
     {}
     std::optional<ActiveWindow> activeWindow() override
     {
-        const auto window = m_frontWindow.current();
-        if (!window)
+        const auto front = m_frontWindow.details();
+        if (!front)
             return std::nullopt;
-        return ActiveWindow{window->processIdentifier, window->id};
+        return ActiveWindow{front->window.processIdentifier, front->title, front->window.id};
     }
 
 private:

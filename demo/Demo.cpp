@@ -68,7 +68,9 @@ std::optional<Press> pressShortcut(const DesktopSession &desktop, TraceReader &t
     const qint64 pressed = TraceReader::now();
     desktop.pressKey(XK_d, {XK_Alt_L});
     const auto captured = trace.next("captured");
-    const auto panel = captured ? trace.next("panelPainted") : std::nullopt;
+    if (!captured || captured->numbers.value("source") < 0)
+        return std::nullopt;
+    const auto panel = trace.next("panelPainted");
     const auto text = panel ? trace.next("textPainted") : std::nullopt;
     if (!text || text->numbers.value("failed"))
         return std::nullopt;
@@ -76,6 +78,28 @@ std::optional<Press> pressShortcut(const DesktopSession &desktop, TraceReader &t
         return double(mark.nanoseconds - pressed) / 1e6;
     };
     return Press{since(*panel), since(*text), captured->numbers.value("source")};
+}
+
+/// Selects the editor's first line and translates it.
+std::optional<Press> translateSelection(const DesktopSession &desktop, xcb_window_t editor,
+                                        TraceReader &trace)
+{
+    const QRect area = desktop.geometry(editor);
+    std::optional<Press> press;
+    // The editor handles its keys when it comes to it: an empty capture is tried again.
+    for (int attempt = 0; attempt < 5 && !press; ++attempt) {
+        desktop.click(area.center());
+        desktop.pressKey(XK_Home, {XK_Control_L});
+        desktop.pressKey(XK_End, {XK_Shift_L});
+        desktop.movePointer(area.topLeft() + QPoint(40, 120));
+        press = pressShortcut(desktop, trace);
+        if (!press) {
+            desktop.pressKey(XK_Escape);
+            DesktopSession::eventually([&] { return desktop.activeWindow() == editor; },
+                                       std::chrono::seconds(5));
+        }
+    }
+    return press;
 }
 
 int demonstrate(const QString &tovi, const QString &screenshotPath)
@@ -99,16 +123,7 @@ int demonstrate(const QString &tovi, const QString &screenshotPath)
     if (!program || !trace.next("ready"))
         return fail("Tovi did not start");
 
-    const QRect area = desktop.geometry(editor);
-    desktop.click(area.center());
-    desktop.pressKey(XK_Home, {XK_Control_L});
-    desktop.pressKey(XK_End, {XK_Shift_L});
-    desktop.movePointer(area.topLeft() + QPoint(40, 120));
-
-    std::optional<Press> first;
-    // The editor may not have handled the selection's keys yet: an empty capture is tried again.
-    for (int attempt = 0; attempt < 5 && !first; ++attempt)
-        first = pressShortcut(desktop, trace);
+    const auto first = translateSelection(desktop, editor, trace);
     if (!first)
         return fail("no translation was painted");
     const QImage picture = desktop.screenshot();
@@ -131,7 +146,7 @@ int demonstrate(const QString &tovi, const QString &screenshotPath)
     desktop.pressKey(XK_Escape);
     const bool isFocusBack = DesktopSession::eventually([&] { return desktop.activeWindow() == editor; },
                                                         std::chrono::seconds(10));
-    const auto again = pressShortcut(desktop, trace);
+    const auto again = translateSelection(desktop, editor, trace);
 
     std::printf("captured text:      %s\n", qPrintable(source));
     std::printf("strategy:           %s\n", strategyName(first->source));

@@ -93,8 +93,8 @@ void AppDelegate::captureFinished(const std::optional<CaptureResult> &result, co
 {
     m_isCapturing = false;
     m_watchdog.reset();
+    Trace::mark("captured", {{"source", result ? static_cast<int>(result->source) : -1}});
     if (result) {
-        Trace::mark("captured", {{"source", static_cast<int>(result->source)}});
         if (progressModel)
             progressModel->finishOCR(result->text, std::nullopt);
         present(*result, progressModel);

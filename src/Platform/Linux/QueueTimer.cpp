@@ -48,20 +48,26 @@ void QueueTimer::start(Clock::Duration delay)
                 return;
         }
         Clock &clock = Platform::current().clock();
-        state->scheduled = clock.after(due - clock.now(), [state, generation] {
-            const std::scoped_lock lock(state->mutex);
+        state->scheduled = clock.after(due - clock.now(), [weak = std::weak_ptr(state), generation] {
+            if (const auto armed = weak.lock())
+                fire(armed, generation);
+        });
+    });
+}
+
+void QueueTimer::fire(const std::shared_ptr<State> &state, int generation)
+{
+    const std::scoped_lock lock(state->mutex);
+    if (state->isOver || state->generation != generation)
+        return;
+    state->queue->async([state, generation] {
+        {
+            const std::scoped_lock inner(state->mutex);
             if (state->isOver || state->generation != generation)
                 return;
-            state->queue->async([state, generation] {
-                {
-                    const std::scoped_lock inner(state->mutex);
-                    if (state->isOver || state->generation != generation)
-                        return;
-                }
-                const auto action = state->action;
-                action();
-            });
-        });
+        }
+        const auto action = state->action;
+        action();
     });
 }
 

@@ -25,6 +25,7 @@ public:
 
 private:
     struct State;
+    static void fire(const std::shared_ptr<State> &state, int generation);
     std::shared_ptr<State> m_state;
 };
 

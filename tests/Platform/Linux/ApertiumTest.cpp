@@ -197,9 +197,9 @@ TEST_F(ApertiumProgramsTest, AMegabyteNeverWaitsForAFullPipe)
 
 TEST_F(ApertiumProgramsTest, DeadProgramsAreReplacedOnce)
 {
-    // Answers "one" and dies at the first start, works at the second.
-    install(QStringLiteral("eng-spa"),
-            "if mkdir \"$0.started\"; then printf 'uno.[]\\0'; exit 1; fi; exec sed -zu s/two/dos/");
+    // Reads both lines, answers the first and dies at the first start, works at the second.
+    install(QStringLiteral("eng-spa"), "if mkdir \"$0.started\"; then head -zn2 >/dev/null; printf "
+                                       "'uno.[]\\0'; exit 1; fi; exec sed -zu s/two/dos/");
     EXPECT_EQ(translated(QStringLiteral("one\ntwo"), en, es), QStringLiteral("uno\ndos"));
     install(QStringLiteral("spa-eng"), "exit 1");
     EXPECT_EQ(translated(QStringLiteral("uno"), es, en),

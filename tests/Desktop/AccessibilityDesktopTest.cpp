@@ -2,6 +2,7 @@
 #include <QCoreApplication>
 
 #include <X11/keysym.h>
+#include <csignal>
 
 #include "Desktop/AccessibilityFixture.h"
 
@@ -12,19 +13,26 @@ namespace {
 const QString firstLine = QString::fromUtf8("🙂 Hello brave world");
 const QString secondLine = QString::fromUtf8("and a second line");
 
-/// Selects the word after the emoji, then everything, in an editor that shows the two lines.
+/// Selections by the keyboard in an editor that shows the two lines.
 class EditorDesktop : public AccessibilityDesktop
 {
 protected:
-    void readSelections(const char *name, bool boundsOfSeveralLines)
+    void select(xcb_keysym_t start, int skip, int length)
+    {
+        desktop->pressKey(start, {XK_Control_L});
+        desktop->pressKey(XK_Home);
+        for (int i = 0; i < skip; ++i)
+            desktop->pressKey(XK_Right);
+        for (int i = 0; i < length; ++i)
+            desktop->pressKey(XK_Right, {XK_Shift_L});
+    }
+
+    /// Editors with `boundsBelow` say rightly where text below the first line is; the others say it wrongly.
+    void readSelections(const char *name, bool boundsBelow)
     {
         ASSERT_TRUE(waitForAccessibleFocus());
-        desktop->pressKey(XK_Home, {XK_Control_L});
-        desktop->pressKey(XK_Right);
-        desktop->pressKey(XK_Right);
         EXPECT_EQ(captureUntil(QString()).error, AXError::NoValue) << "nothing is selected";
-        for (int i = 0; i < 5; ++i)
-            desktop->pressKey(XK_Right, {XK_Shift_L});
+        select(XK_Home, 2, 5);
         const Captured word = captureUntil(QStringLiteral("Hello"));
         EXPECT_EQ(word.text, QStringLiteral("Hello"));
         print(name, word);
@@ -39,10 +47,18 @@ protected:
         desktop->pressKey(XK_End, {XK_Control_L, XK_Shift_L});
         const Captured rest = captureUntil(firstLine.mid(3) + QLatin1Char('\n') + secondLine);
         EXPECT_EQ(rest.text, firstLine.mid(3) + QLatin1Char('\n') + secondLine);
-        ASSERT_EQ(rest.bounds.has_value(), boundsOfSeveralLines);
+        ASSERT_EQ(rest.bounds.has_value(), boundsBelow);
         if (rest.bounds) {
             EXPECT_GT(rest.bounds->height(), word.bounds->height() * 1.5);
             EXPECT_NEAR(rest.bounds->top(), word.bounds->top(), 2);
+        }
+
+        select(XK_End, 6, 6);
+        const Captured below = captureUntil(QStringLiteral("second"));
+        EXPECT_EQ(below.text, QStringLiteral("second"));
+        ASSERT_EQ(below.bounds.has_value(), boundsBelow);
+        if (below.bounds) {
+            EXPECT_GT(below.bounds->top(), word.bounds->center().y());
         }
     }
 };
@@ -66,7 +82,7 @@ TEST_F(EditorDesktop, Qt)
         desktop->writeFile(QStringLiteral("qt.txt"), firstLine + QLatin1Char('\n') + secondLine);
     ASSERT_TRUE(desktop->start(QStringLiteral("featherpad"), {QStringLiteral("--standalone"), file}));
     ASSERT_TRUE(desktop->waitForWindow(QStringLiteral("qt.txt")));
-    readSelections("featherpad", true);
+    readSelections("featherpad", false);
 }
 
 /// A page that selects parts of itself when keys are pressed.
@@ -90,6 +106,7 @@ document.onkeydown = e => {
     if (e.key == '3') select('and', 'timber');
     if (e.key == '4') getSelection().removeAllRanges();
 };
+document.title = 'Harbour is open';
 </script></body>)");
 
 class BrowserDesktop : public AccessibilityDesktop
@@ -154,8 +171,22 @@ TEST_F(BrowserDesktop, Firefox)
                                       "user_pref('browser.shell.checkDefaultBrowser', false);\n"));
     ASSERT_TRUE(desktop->start(QStringLiteral("firefox-esr"),
                                {QStringLiteral("--no-remote"), QStringLiteral("--profile"), profile, file}));
-    ASSERT_TRUE(desktop->waitForWindow(QStringLiteral("Harbour")));
+    ASSERT_TRUE(desktop->waitForWindow(QStringLiteral("Harbour is open")));
     readSelections("firefox");
+}
+
+QStringList chromiumArguments(const DesktopSession &desktop, const QString &file)
+{
+    return {QStringLiteral("--no-sandbox"),
+            QStringLiteral("--no-first-run"),
+            QStringLiteral("--disable-gpu"),
+            QStringLiteral("--disable-quic"),
+            QStringLiteral("--disable-background-networking"),
+            QStringLiteral("--disable-component-update"),
+            QStringLiteral("--disable-sync"),
+            QStringLiteral("--password-store=basic"),
+            QStringLiteral("--user-data-dir=") + desktop.home() + QStringLiteral("/chromium"),
+            file};
 }
 
 TEST_F(BrowserDesktop, Chromium)
@@ -163,15 +194,49 @@ TEST_F(BrowserDesktop, Chromium)
     if (!DesktopSession::isInstalled(QStringLiteral("chromium")))
         GTEST_SKIP() << "chromium is not installed";
     const QString file = desktop->writeFile(QStringLiteral("harbour.html"), page);
-    ASSERT_TRUE(desktop->start(
-        QStringLiteral("chromium"),
-        {QStringLiteral("--no-sandbox"), QStringLiteral("--force-renderer-accessibility"),
-         QStringLiteral("--no-first-run"), QStringLiteral("--disable-gpu"), QStringLiteral("--disable-quic"),
-         QStringLiteral("--disable-background-networking"), QStringLiteral("--disable-component-update"),
-         QStringLiteral("--disable-sync"), QStringLiteral("--password-store=basic"),
-         QStringLiteral("--user-data-dir=") + desktop->home() + QStringLiteral("/chromium"), file}));
-    ASSERT_TRUE(desktop->waitForWindow(QStringLiteral("Harbour")));
+    ASSERT_TRUE(desktop->start(QStringLiteral("chromium"),
+                               QStringList{QStringLiteral("--force-renderer-accessibility")} +
+                                   chromiumArguments(*desktop, file)));
+    ASSERT_TRUE(desktop->waitForWindow(QStringLiteral("Harbour is open")));
     readSelections("chromium");
+}
+
+TEST_F(BrowserDesktop, ChromiumWithoutAccessibility)
+{
+    if (!DesktopSession::isInstalled(QStringLiteral("chromium")))
+        GTEST_SKIP() << "chromium is not installed";
+    const QString file = desktop->writeFile(QStringLiteral("harbour.html"), page);
+    ASSERT_TRUE(desktop->start(QStringLiteral("chromium"),
+                               QStringList{QStringLiteral("--disable-renderer-accessibility")} +
+                                   chromiumArguments(*desktop, file),
+                               {QStringLiteral("NO_AT_BRIDGE=1"), QStringLiteral("GNOME_ACCESSIBILITY=0")}));
+    ASSERT_TRUE(desktop->waitForWindow(QStringLiteral("Harbour is open")));
+    Captured captured;
+    EXPECT_TRUE(DesktopSession::eventually([&] {
+        desktop->pressKey(XK_a, {XK_Control_L});
+        captured = capture();
+        return captured.text.contains(QStringLiteral("Ships leave the old harbour at dawn."));
+    })) << captured.text.toStdString();
+    EXPECT_FALSE(captured.bounds);
+    print("chromium without accessibility", captured);
+}
+
+TEST_F(AccessibilityDesktop, AStoppedApplicationCostsOneTimeLimitAndHarmsNothing)
+{
+    if (!DesktopSession::isInstalled(QStringLiteral("mousepad")))
+        GTEST_SKIP() << "mousepad is not installed";
+    const QString file = desktop->writeFile(QStringLiteral("t.txt"), firstLine);
+    QProcess *editor = desktop->start(QStringLiteral("mousepad"), {QStringLiteral("--disable-server"), file});
+    ASSERT_TRUE(editor && desktop->waitForWindow(QStringLiteral("t.txt")));
+    ASSERT_TRUE(waitForAccessibleFocus());
+    desktop->pressKey(XK_a, {XK_Control_L});
+    EXPECT_EQ(captureUntil(firstLine).text, firstLine);
+    ::kill(static_cast<pid_t>(editor->processId()), SIGSTOP);
+    const Captured stopped = capture();
+    ::kill(static_cast<pid_t>(editor->processId()), SIGCONT);
+    print("stopped mousepad", stopped);
+    EXPECT_EQ(stopped.error, AXError::TimedOut);
+    EXPECT_EQ(captureUntil(firstLine).text, firstLine);
 }
 
 TEST_F(AccessibilityDesktop, TerminalsTellTheirSelectionThroughPrimary)
@@ -194,6 +259,42 @@ TEST_F(AccessibilityDesktop, TerminalsTellTheirSelectionThroughPrimary)
     })) << captured.text.toStdString();
     EXPECT_FALSE(captured.bounds);
     print("xterm", captured);
+
+    // Another application takes the selection over: the terminal's window does not tell that one.
+    QProcess *other = desktop->start(
+        QStringLiteral("xterm"), {QStringLiteral("-u8"), QStringLiteral("-title"), QStringLiteral("other"),
+                                  QStringLiteral("-geometry"), QStringLiteral("60x10+200+500"),
+                                  QStringLiteral("-e"), QStringLiteral("echo Another text; sleep 600")});
+    ASSERT_TRUE(other);
+    const xcb_window_t second = desktop->waitForWindow(QStringLiteral("other"));
+    ASSERT_TRUE(second);
+    const QPoint there = desktop->geometry(second).topLeft() + QPoint(40, 10);
+    EXPECT_TRUE(DesktopSession::eventually([&] {
+        desktop->click(there, 3);
+        return capture().text.trimmed() == QStringLiteral("Another text");
+    }));
+    desktop->activate(terminal);
+    captured = capture();
+    EXPECT_EQ(captured.text, QString());
+    EXPECT_EQ(captured.error, AXError::NoValue);
+}
+
+class DesktopWithoutAccessibility : public AccessibilityDesktop
+{
+protected:
+    DesktopWithoutAccessibility()
+        : AccessibilityDesktop({.accessibilityServices = false})
+    {}
+    void SetUp() override { ASSERT_EQ(desktop->error(), QString()); }
+};
+
+TEST_F(DesktopWithoutAccessibility, EverythingFailsAtOnce)
+{
+    accessibility->requestTrust();
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_FALSE(accessibility->isProcessTrusted());
+        EXPECT_EQ(capture().error, AXError::NotTrusted);
+    }
 }
 
 } // namespace

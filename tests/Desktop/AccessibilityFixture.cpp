@@ -1,79 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "Desktop/AccessibilityFixture.h"
 
-#include <QElapsedTimer>
-
 #include "Platform/X11/XcbActiveWindow.h"
 #include "Platform/X11/XcbPrimarySelection.h"
 
-void PrintTo(const QString &text, std::ostream *stream)
-{
-    *stream << '"' << text.toStdString() << '"';
-}
-
 namespace tovi {
-
-namespace {
-
-constexpr std::chrono::milliseconds messagingTimeout{250};
-
-AXElement withTimeout(const AXElement &element)
-{
-    element.setMessagingTimeout(messagingTimeout);
-    return element;
-}
-
-double millisecondsSince(QElapsedTimer &timer)
-{
-    const double elapsed = static_cast<double>(timer.nsecsElapsed()) / 1e6;
-    timer.restart();
-    return elapsed;
-}
-
-/// The selected text of one element, as the capturer reads it.
-AXResult selectedText(const AXElement &element, bool *byMarkerRange)
-{
-    const AXResult plain = element.attribute(QStringLiteral("AXSelectedText"));
-    const auto *text = plain.get<QString>();
-    if (text && !text->trimmed().isEmpty())
-        return plain;
-    const AXResult range = element.attribute(QStringLiteral("AXSelectedTextMarkerRange"));
-    if (range.error != AXError::None)
-        return plain.error == AXError::None ? range : plain;
-    *byMarkerRange = true;
-    return element.parameterizedAttribute(QStringLiteral("AXStringForTextMarkerRange"), range.value);
-}
-
-Captured captureOnce(Accessibility &service)
-{
-    Captured captured;
-    QElapsedTimer timer;
-    timer.start();
-    const AXResult focused =
-        withTimeout(service.systemWideElement()).attribute(QStringLiteral("AXFocusedUIElement"));
-    captured.focusMilliseconds = millisecondsSince(timer);
-    captured.error = focused.error;
-    const auto *element = focused.get<AXElement>();
-    if (!element)
-        return captured;
-    withTimeout(*element);
-    const AXResult text = selectedText(*element, &captured.byMarkerRange);
-    captured.textMilliseconds = millisecondsSince(timer);
-    captured.error = text.error;
-    if (const auto *value = text.get<QString>())
-        captured.text = *value;
-    const AXResult range = element->attribute(QStringLiteral("AXSelectedTextRange"));
-    if (range.error == AXError::None) {
-        const AXResult bounds =
-            element->parameterizedAttribute(QStringLiteral("AXBoundsForRange"), range.value);
-        if (const auto *rectangle = bounds.get<QRectF>())
-            captured.bounds = *rectangle;
-    }
-    captured.boundsMilliseconds = millisecondsSince(timer);
-    return captured;
-}
-
-} // namespace
 
 AccessibilityDesktop::AccessibilityDesktop(const DesktopSession::Options &options)
     : desktop(std::make_unique<DesktopSession>(options))
@@ -95,7 +26,7 @@ void AccessibilityDesktop::SetUp()
 
 Captured AccessibilityDesktop::capture()
 {
-    return onQueue([this] { return captureOnce(*accessibility); });
+    return onQueue([this] { return captureSelection(accessibility->systemWideElement()); });
 }
 
 Captured AccessibilityDesktop::captureUntil(const QString &expected)

@@ -6,23 +6,9 @@
 #include "DesktopSession.h"
 #include "Platform/DispatchQueue.h"
 #include "Platform/Linux/AtspiAccessibility.h"
-
-/// For readable messages of failed expectations.
-void PrintTo(const QString &text, std::ostream *stream);
+#include "Support/CapturedSelection.h"
 
 namespace tovi {
-
-/// What a capture through the accessibility service found, and how long each step took.
-struct Captured
-{
-    AXError error = AXError::NoValue; ///< of the first request that failed
-    QString text;
-    bool byMarkerRange = false;
-    std::optional<QRectF> bounds;
-    double focusMilliseconds = 0;
-    double textMilliseconds = 0;
-    double boundsMilliseconds = 0;
-};
 
 /// A desktop with the accessibility service that is tested, asked from a queue as the program does.
 class AccessibilityDesktop : public testing::Test

@@ -147,8 +147,12 @@ AtspiTextRange repaired(AtspiRequest &request, const AtspiObject &object, const 
     const int caret =
         AtspiReply::integerProperty(request.call(request.property(object, Atspi::text, "CaretOffset")))
             .value_or(-1);
-    const bool isRight = caret >= 0 && (caret == range.start || caret == range.end) && caret != units.start &&
-                         caret != units.end;
+    // Inside an embedded object it stands at the object's start, whichever end the selection has.
+    Counting untilCaret(text, -1);
+    const qsizetype position = untilCaret.positionOf(std::max(caret, 0));
+    const bool tells = caret >= 0 && (position == text.size() || text[position] != embeddedObject);
+    const bool isRight =
+        tells && (caret == range.start || caret == range.end) && caret != units.start && caret != units.end;
     return isRight ? range : units;
 }
 
@@ -290,6 +294,24 @@ std::optional<QRect> runRectangle(const Run &run, const DBusReply *answer)
     return isHighEnough(ends) && last.top() > first.top() ? std::optional(ends) : std::nullopt;
 }
 
+/// Some editors place the text of every line where the first one is.
+bool placesLinesAlike(AtspiRequest &request, const Run &run)
+{
+    constexpr int lookBack = 1000;
+    const AtspiTextRange before{std::max(0, run.range.start - lookBack), run.range.start};
+    const auto text = AtspiReply::text(request.call(textQuestion(request, run.object, before)));
+    if (!text || !text->contains(QLatin1Char('\n')))
+        return false;
+    std::vector<DBusMessage> questions;
+    for (const int offset : {before.start, before.end})
+        questions.push_back(request.method(run.object, Atspi::text, "GetCharacterExtents", "iu", offset,
+                                           Atspi::screenCoordinates));
+    const std::vector<DBusReply> replies = request.callAll(questions);
+    const auto earlier = AtspiReply::rectangle(replies[0]);
+    const auto later = AtspiReply::rectangle(replies[1]);
+    return earlier && later && later->top() <= earlier->top();
+}
+
 } // namespace
 
 Selection selection(AtspiRequest &request, const AtspiObject &object)
@@ -343,6 +365,8 @@ std::optional<Content> content(AtspiRequest &request, const AtspiObject &object,
 
 std::optional<QRect> bounds(AtspiRequest &request, const AtspiObject &object, const QList<Run> &runs)
 {
+    if (!runs.isEmpty() && request.isOfToolkit(object, "Qt") && placesLinesAlike(request, runs.first()))
+        return std::nullopt;
     std::vector<DBusMessage> questions;
     questions.push_back(
         request.method(object, Atspi::component, "GetExtents", "u", Atspi::screenCoordinates));

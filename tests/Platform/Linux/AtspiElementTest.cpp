@@ -1,0 +1,228 @@
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include "Platform/DispatchQueue.h"
+#include "Platform/Linux/AtspiElement.h"
+#include "Platform/Linux/FakeAtspiPeer.h"
+#include "Support/CapturedSelection.h"
+#include "Support/TestClock.h"
+
+namespace tovi {
+namespace {
+
+struct OwnWindow final : ActiveWindowSource
+{
+    std::optional<ActiveWindow> activeWindow() override { return ActiveWindow{::getpid(), {}, 1}; }
+};
+
+struct FixedSelection final : PrimarySelection
+{
+    Answer read(const ActiveWindow &, QDeadlineTimer) override
+    {
+        return {Status::Text, QStringLiteral("primary")};
+    }
+};
+
+/// Requests to an application that a test scripts, over a real bus.
+class AtspiElementTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(peer.start());
+        context->client = std::make_shared<AtspiClient>([this] { return peer.address(); });
+        context->activeWindow = std::make_shared<OwnWindow>();
+        context->primarySelection = std::make_shared<FixedSelection>();
+    }
+
+    template <class Fn>
+    auto onQueue(Fn work)
+    {
+        auto future = queue.run(std::move(work));
+        EXPECT_TRUE(waitUntil([&] { return future.isFinished(); }));
+        return future.result();
+    }
+    AXElement systemWide() { return AXElement(std::make_shared<AtspiSystemWideElement>(context)); }
+    Captured capture()
+    {
+        return onQueue([this] { return captureSelection(systemWide(), std::chrono::seconds(20)); });
+    }
+    AXError errorOfFocus(std::chrono::milliseconds timeout)
+    {
+        return onQueue([this, timeout] {
+            const AXElement element = systemWide();
+            element.setMessagingTimeout(timeout);
+            return element.attribute(QStringLiteral("AXFocusedUIElement")).error;
+        });
+    }
+    /// As applications answer whose focused text embeds objects, each made by `link`.
+    void embed(const QString &text, std::function<QString(const QDBusMessage &)> link)
+    {
+        peer.answer({}, QStringLiteral("GetNSelections"), {1});
+        peer.answer({}, QStringLiteral("GetSelection"), {0, int(text.size())});
+        peer.answer({}, QStringLiteral("CharacterCount"), {int(text.size())});
+        peer.answer({}, QStringLiteral("GetText"), {text});
+        peer.answer({}, QStringLiteral("GetLink"), [this, link](const QDBusMessage &call) {
+            return QVariantList{peer.reference(link(call))};
+        });
+        peer.answer({}, QStringLiteral("GetObject"),
+                    [this](const QDBusMessage &call) { return QVariantList{peer.reference(call.path())}; });
+    }
+
+    FakeAtspiPeer peer;
+    std::shared_ptr<AtspiContext> context = std::make_shared<AtspiContext>();
+    DispatchQueue queue{QStringLiteral("requests")};
+};
+
+TEST_F(AtspiElementTest, ReadsTextAndBoundsOfAPlainText)
+{
+    const Captured captured = capture();
+    EXPECT_EQ(captured.text, QStringLiteral("Hello"));
+    EXPECT_FALSE(captured.byMarkerRange);
+    ASSERT_TRUE(captured.bounds);
+    EXPECT_EQ(*captured.bounds, QRectF(10, 20, 300, 40));
+}
+
+TEST_F(AtspiElementTest, WithoutTextTheWindowAnswersWithThePrimarySelection)
+{
+    peer.answer({}, QStringLiteral("GetNSelections"), {QStringLiteral("one")});
+    Captured captured = capture();
+    EXPECT_EQ(captured.text, QStringLiteral("primary"));
+    EXPECT_FALSE(captured.bounds);
+    peer.answer({}, QStringLiteral("GetNSelections"), QVariantList{0});
+    captured = capture();
+    EXPECT_EQ(captured.text, QString()) << "it tells its text, and nothing is selected";
+    EXPECT_EQ(captured.error, AXError::NoValue);
+}
+
+TEST_F(AtspiElementTest, NonsenseIsNoValue)
+{
+    struct Case
+    {
+        const char *member;
+        QVariantList values;
+        const char *text;
+    };
+    const int most = std::numeric_limits<int>::max();
+    const int least = std::numeric_limits<int>::min();
+    const Case cases[] = {
+        {"GetChildren", {QStringLiteral("no list")}, "primary"},
+        {"GetChildren", {}, "primary"},
+        {"GetState", {42}, "primary"},
+        {"GetState", {QVariant::fromValue(QList<uint>())}, "primary"},
+        {"ChildCount", {QStringLiteral("many")}, "primary"},
+        {"ChildCount", {most}, "primary"},
+        {"GetSelection", {most, least}, ""},
+        {"GetSelection", {-1, -1}, ""},
+        {"GetSelection", {QStringLiteral("a"), 1}, ""},
+        {"GetText", {7}, ""},
+        {"GetText", {QString(17 << 20, QLatin1Char('x'))}, ""},
+        {"GetRangeExtents", {most, most, most, most}, "Hello"},
+        {"GetRangeExtents", {least, least, 1, 1}, "Hello"},
+        {"GetRangeExtents", {QStringLiteral("here")}, "Hello"},
+    };
+    for (const Case &one : cases) {
+        SCOPED_TRACE(one.member);
+        peer.clearAnswers();
+        peer.answer({}, QString::fromLatin1(one.member), one.values);
+        const Captured captured = capture();
+        EXPECT_EQ(captured.text, QString::fromLatin1(one.text));
+        EXPECT_FALSE(captured.bounds);
+    }
+}
+
+TEST_F(AtspiElementTest, EndlessTreesAreWalkedWithinBounds)
+{
+    const QString grandchild = QStringLiteral("%1/x");
+    int made = 0;
+    peer.answer({}, QStringLiteral("GetState"), {FakeAtspiPeer::states({25})});
+    peer.answer({}, QStringLiteral("GetChildren"), [&](const QDBusMessage &call) {
+        const bool isTop =
+            call.path().startsWith(QLatin1String("/org")) || call.path() == QLatin1String("/application");
+        if (isTop)
+            return QVariantList{peer.references({isTop && call.path() == QLatin1String("/application")
+                                                     ? QStringLiteral("/window")
+                                                     : QStringLiteral("/application")})};
+        // Itself, its parent, and ever new ones.
+        return QVariantList{
+            peer.references({call.path(), QStringLiteral("/window"), grandchild.arg(call.path()),
+                             QStringLiteral("/n%1").arg(++made)})};
+    });
+    EXPECT_NE(errorOfFocus(std::chrono::seconds(20)), AXError::TimedOut);
+    EXPECT_GT(made, 20);
+}
+
+TEST_F(AtspiElementTest, EmbeddedObjectsMayBeMissingCyclicOrEndless)
+{
+    const QChar object(0xFFFC);
+    const QString text = QStringLiteral("a") + object + QStringLiteral("b");
+    embed(text, [](const QDBusMessage &call) { return call.path(); });
+    EXPECT_EQ(capture().text, QStringLiteral("ab")) << "embeds itself";
+
+    embed(text, [](const QDBusMessage &call) { return call.path() + QStringLiteral("/x"); });
+    EXPECT_EQ(capture().text, QString()) << "embeds without end";
+
+    embed(text, [](const QDBusMessage &call) { return call.path(); });
+    peer.answer({}, QStringLiteral("GetLink"), {QStringLiteral("none")});
+    EXPECT_EQ(capture().text, QStringLiteral("ab")) << "there is no such link";
+
+    embed(QString(100000, object), [](const QDBusMessage &call) { return call.path(); });
+    EXPECT_EQ(capture().text, QString()) << "more objects than are asked";
+}
+
+TEST_F(AtspiElementTest, TheLimitHoldsForAllCallsOfARequestTogether)
+{
+    EXPECT_EQ(errorOfFocus(std::chrono::seconds(20)), AXError::None);
+    peer.delay = std::chrono::milliseconds(120);
+    EXPECT_EQ(errorOfFocus(std::chrono::milliseconds(250)), AXError::TimedOut);
+    peer.delay = {};
+    EXPECT_EQ(errorOfFocus(std::chrono::seconds(20)), AXError::None);
+}
+
+TEST_F(AtspiElementTest, AStalledApplicationEndsTheRequestAndTheNextOneWorks)
+{
+    for (const char *member : {"GetMatches", "GetChildren", "GetState", "GetNSelections"}) {
+        SCOPED_TRACE(member);
+        peer.answer({}, QString::fromLatin1(member), [](const QDBusMessage &) { return std::nullopt; });
+        EXPECT_EQ(errorOfFocus(std::chrono::milliseconds(50)), AXError::TimedOut);
+        peer.clearAnswers();
+        EXPECT_EQ(errorOfFocus(std::chrono::seconds(20)), AXError::None);
+    }
+}
+
+TEST_F(AtspiElementTest, RecoversWhenTheBusWasRestarted)
+{
+    EXPECT_EQ(capture().text, QStringLiteral("Hello"));
+    peer.stopBus();
+    EXPECT_NE(errorOfFocus(std::chrono::seconds(20)), AXError::None);
+    ASSERT_TRUE(peer.start());
+    EXPECT_EQ(capture().text, QStringLiteral("Hello"));
+}
+
+TEST_F(AtspiElementTest, UnknownAttributesAndForeignParametersAreRefused)
+{
+    const auto errors = onQueue([this] {
+        const AXElement element = withTimeout(AXElement(
+            std::make_shared<AtspiElement>(context, AtspiObject{"org.a11y.atspi.Registry", "/text"})));
+        const auto parameterized = [&](const char *name, const AXValue &value) {
+            return element.parameterizedAttribute(QString::fromLatin1(name), value).error;
+        };
+        return std::vector<AXError>{
+            element.attribute(QStringLiteral("AXNoSuchThing")).error,
+            parameterized("AXNoSuchThing", QString()),
+            parameterized("AXStringForTextMarkerRange", QString()),
+            parameterized("AXStringForTextMarkerRange", AXTextMarkerRange{}),
+            parameterized("AXBoundsForRange", QRectF()),
+            parameterized("AXBoundsForRange", AXRange{-5, 3}),
+            parameterized("AXBoundsForRange", AXRange{std::numeric_limits<int>::max(), 3}),
+        };
+    });
+    EXPECT_EQ(errors, (std::vector<AXError>{AXError::AttributeUnsupported, AXError::AttributeUnsupported,
+                                            AXError::NoValue, AXError::NoValue, AXError::NoValue,
+                                            AXError::NoValue, AXError::NoValue}));
+}
+
+} // namespace
+} // namespace tovi

@@ -3,10 +3,12 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QScreen>
 #include <QTemporaryDir>
 #include <QVBoxLayout>
+#include <QWindow>
 
 #include "Platform/Linux/LinuxClock.h"
 #include "Platform/X11/LiveDesktop.h"

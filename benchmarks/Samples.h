@@ -34,8 +34,8 @@ inline void printHeading(const char *text)
 
 inline void printRow(const QString &what, const Samples &samples, const char *unit)
 {
-    std::printf("  %-58s median %9.3f %-3s worst %9.3f %-3s (%zu)\n", qPrintable(what), samples.median(), unit,
-                samples.worst(), unit, samples.values.size());
+    std::printf("  %-58s median %9.3f %-3s worst %9.3f %-3s (%zu)\n", qPrintable(what), samples.median(),
+                unit, samples.worst(), unit, samples.values.size());
 }
 
 inline void printRatio(const QString &what, double value, double against, double aim)

@@ -5,13 +5,11 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFileInfo>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 #include <X11/keysym.h>
 
 #include "AccessibleTree.h"
+#include "DemoSettings.h"
 #include "DesktopSession.h"
 #include "TraceReader.h"
 
@@ -21,26 +19,6 @@ using namespace tovi;
 
 const QString sampleText =
     QStringLiteral("The weather has been unusually warm this week, and the river is still rising.");
-
-/// The program's settings for the demonstration: English to Spanish, on this machine.
-QString demoSettings()
-{
-    const QString engine = QStringLiteral("7D2B6C1E-52B4-4A57-9B0E-0C6E1B1C9A01");
-    const QJsonObject onDevice{{QStringLiteral("id"), engine},
-                               {QStringLiteral("name"), QStringLiteral("On this machine")},
-                               {QStringLiteral("kind"), QStringLiteral("apple")},
-                               {QStringLiteral("baseURL"), QString()},
-                               {QStringLiteral("model"), QString()},
-                               {QStringLiteral("temperature"), 0.2},
-                               {QStringLiteral("systemPrompt"), QString()},
-                               {QStringLiteral("fallbackToGoogle"), false}};
-    const QJsonObject settings{{QStringLiteral("targetLanguage"), QStringLiteral("es")},
-                               {QStringLiteral("ocrEnabled"), false},
-                               {QStringLiteral("hasCompletedOnboarding"), true},
-                               {QStringLiteral("currentProviderID"), engine},
-                               {QStringLiteral("providers"), QJsonArray{onDevice}}};
-    return QString::fromUtf8(QJsonDocument(settings).toJson());
-}
 
 const char *strategyName(qint64 source)
 {
@@ -107,9 +85,7 @@ int demonstrate(const QString &tovi, const QString &screenshotPath)
     DesktopSession desktop;
     if (!desktop.error().isEmpty())
         return fail(qPrintable(desktop.error()));
-    QDir().mkpath(desktop.home() + QStringLiteral("/config/tovi"));
-    desktop.writeFile(QStringLiteral("config/tovi/defaults.json"), demoSettings());
-
+    writeDemoSettings(desktop);
     const QString file = desktop.writeFile(QStringLiteral("letter.txt"), sampleText + QLatin1Char('\n'));
     if (!desktop.start(QStringLiteral("mousepad"), {file}))
         return fail("the editor did not start");

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+
+#include "Samples.h"
+
+class QProcess;
+
+namespace tovi {
+class DesktopSession;
+}
+
+namespace tovi::bench {
+
+/// The programs that are measured.
+struct Programs
+{
+    QString tovi;
+    QString floor;
+};
+
+void benchLookups();
+double benchAccessibility(DesktopSession &desktop);
+void benchProgram(DesktopSession &desktop, const Programs &programs, double queryMilliseconds);
+
+} // namespace tovi::bench

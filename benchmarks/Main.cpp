@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+// Measures Tovi on a desktop of its own. Figures of one run compare with each other, not with those of
+// another.
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QFileInfo>
+
+#include "Bench.h"
+#include "DemoSettings.h"
+#include "DesktopSession.h"
+
+int main(int argc, char **argv)
+{
+    using namespace tovi;
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    QCommandLineParser parser;
+    parser.addHelpOption();
+    parser.addOption({QStringLiteral("tovi"), QStringLiteral("The program to measure."),
+                      QStringLiteral("path"), QStringLiteral("build/release/tovi")});
+    parser.process(app);
+
+    const bench::Programs programs{QFileInfo(parser.value(QStringLiteral("tovi"))).absoluteFilePath(),
+                                   QCoreApplication::applicationDirPath() + QStringLiteral("/tovi-floor")};
+    bench::benchLookups();
+    DesktopSession desktop({.trayHost = true});
+    if (!desktop.error().isEmpty()) {
+        std::fprintf(stderr, "%s\n", qPrintable(desktop.error()));
+        return 1;
+    }
+    writeDemoSettings(desktop);
+    const double query = bench::benchAccessibility(desktop);
+    bench::benchProgram(desktop, programs, query);
+    return 0;
+}

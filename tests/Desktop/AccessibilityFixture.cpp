@@ -29,13 +29,15 @@ Captured AccessibilityDesktop::capture()
     return onQueue([this] { return captureSelection(accessibility->systemWideElement()); });
 }
 
-Captured AccessibilityDesktop::captureUntil(const QString &expected)
+Captured AccessibilityDesktop::captureUntil(const QString &expected, std::chrono::seconds limit)
 {
     Captured captured;
-    DesktopSession::eventually([&] {
-        captured = capture();
-        return captured.text == expected;
-    });
+    DesktopSession::eventually(
+        [&] {
+            captured = capture();
+            return captured.text == expected;
+        },
+        limit);
     return captured;
 }
 

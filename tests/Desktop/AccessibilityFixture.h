@@ -30,7 +30,7 @@ protected:
     /// Waits until the focused element is one that tells its text: applications appear on the bus late.
     bool waitForAccessibleFocus();
     /// Captures until the text is the expected one, or gives up.
-    Captured captureUntil(const QString &expected);
+    Captured captureUntil(const QString &expected, std::chrono::seconds limit = DesktopSession::defaultLimit);
     /// The selected text at a point of the screen, walking up as the capturer does.
     QString textAt(QPoint position);
     void print(const char *application, const Captured &captured);

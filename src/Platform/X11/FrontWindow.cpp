@@ -50,7 +50,8 @@ FrontWindow::FrontWindow()
                   {m_strutAtom, "_NET_WM_STRUT"},
                   {m_strutPartialAtom, "_NET_WM_STRUT_PARTIAL"},
                   {m_supportedAtom, "_NET_SUPPORTED"},
-                  {m_nameAtom, "_NET_WM_NAME"}};
+                  {m_nameAtom, "_NET_WM_NAME"},
+                  {m_stateAtom, "WM_STATE"}};
     std::vector<xcb_intern_atom_cookie_t> cookies;
     for (const auto &entry : wanted)
         cookies.push_back(requestAtom(connection, entry.name));
@@ -218,6 +219,15 @@ bool FrontWindow::takesActivationRequests()
     const auto supported = propertyItems(
         m_session.reply(m_session.requestProperty(m_session.root(), m_supportedAtom, mostAtoms)).get());
     return supported.contains(m_activeWindowAtom);
+}
+
+bool FrontWindow::isWithdrawn(quint32 id)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_session.startDeadline(limit);
+    constexpr quint32 withdrawn = 0;
+    const auto state = propertyItems(m_session.reply(m_session.requestProperty(id, m_stateAtom, 2)).get());
+    return state.value(0, withdrawn) == withdrawn;
 }
 
 void FrontWindow::addPanel(quint32 id)

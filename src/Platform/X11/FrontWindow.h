@@ -47,6 +47,8 @@ public:
     quint32 serverTime();
     /// Whether a window manager takes requests to activate a window.
     bool takesActivationRequests();
+    /// Whether the window manager has let go of a hidden window.
+    bool isWithdrawn(quint32 id);
 
     /// Windows of this program that never count.
     void addPanel(quint32 id);
@@ -61,7 +63,7 @@ private:
     std::mutex m_mutex; // of everything below
     XcbSession m_session;
     xcb_atom_t m_activeWindowAtom, m_pidAtom, m_applicationIdAtom, m_clientListAtom, m_strutAtom,
-        m_strutPartialAtom, m_supportedAtom, m_nameAtom;
+        m_strutPartialAtom, m_supportedAtom, m_nameAtom, m_stateAtom;
     bool m_hasResources = false;
     std::set<quint32> m_panels;
     quint32 m_lastWindow = 0;

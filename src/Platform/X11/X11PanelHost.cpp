@@ -17,6 +17,7 @@ namespace {
 
 // One on the screen and one behind it: a panel is often replaced in the same moment.
 constexpr size_t mostIdleWindows = 2;
+constexpr Clock::Duration restTime = std::chrono::milliseconds(500);
 
 /// The first text that is drawn loads the fonts.
 void loadFonts()
@@ -32,10 +33,30 @@ void loadFonts()
 
 struct X11PanelHost::Windows
 {
+    struct Idle
+    {
+        std::unique_ptr<PanelWindow> window;
+        Clock::Time hiddenAt;
+    };
     FrontWindow &frontWindow;
-    std::vector<std::unique_ptr<PanelWindow>> idle; // the longest hidden first
+    Clock &clock;
+    std::vector<Idle> idle; // the longest hidden first
     std::vector<PanelWindow *> all;
 
+    /// An idle window, or a new one. One that the window manager may still be busy hiding, or even showing,
+    /// would come back in a confused state.
+    std::unique_ptr<PanelWindow> take(bool compositing)
+    {
+        const auto ready = std::ranges::find_if(idle, [&](const Idle &entry) {
+            return clock.now() - entry.hiddenAt >= restTime &&
+                   frontWindow.isWithdrawn(static_cast<quint32>(entry.window->winId()));
+        });
+        if (ready == idle.end())
+            return make(compositing);
+        auto window = std::move(ready->window);
+        idle.erase(ready);
+        return window;
+    }
     std::unique_ptr<PanelWindow> make(bool compositing)
     {
         auto window = std::make_unique<PanelWindow>(compositing);
@@ -67,7 +88,7 @@ public:
         m_window->release();
         const auto windows = m_windows.lock();
         if (windows && windows->idle.size() < mostIdleWindows) {
-            windows->idle.push_back(std::move(m_window));
+            windows->idle.push_back({std::move(m_window), windows->clock.now()});
         } else {
             if (windows)
                 windows->forget(m_window.get());
@@ -97,7 +118,7 @@ private:
 
 X11PanelHost::X11PanelHost(FrontWindow &frontWindow, Clock &clock)
     : m_clock(clock)
-    , m_windows(new Windows{frontWindow, {}, {}})
+    , m_windows(new Windows{frontWindow, clock, {}, {}})
 {
     setUpCompositing();
     QCoreApplication::instance()->installNativeEventFilter(this);
@@ -113,13 +134,7 @@ int X11PanelHost::idleWindows() const
 
 std::unique_ptr<Panel> X11PanelHost::makePanel(std::unique_ptr<QWidget> content)
 {
-    std::unique_ptr<PanelWindow> window;
-    if (m_windows->idle.empty()) {
-        window = m_windows->make(m_compositing);
-    } else {
-        window = std::move(m_windows->idle.front());
-        m_windows->idle.erase(m_windows->idle.begin());
-    }
+    auto window = m_windows->take(m_compositing);
     window->setContent(std::move(content));
     if (m_windows->idle.empty())
         prepareLater(std::chrono::seconds(1));
@@ -130,7 +145,7 @@ void X11PanelHost::prepareLater(Clock::Duration delay)
 {
     m_preparation = m_clock.after(delay, [this] {
         if (m_windows->idle.empty())
-            m_windows->idle.push_back(m_windows->make(m_compositing));
+            m_windows->idle.push_back({m_windows->make(m_compositing), Clock::distantPast()});
         static const bool fontsLoaded = (loadFonts(), true);
         Q_UNUSED(fontsLoaded);
     });

@@ -106,6 +106,13 @@ QList<quint32> OtherClient::property(xcb_window_t window, const char *name)
     return propertyItems(m_session.reply(m_session.requestProperty(window, m_session.atom(name))).get());
 }
 
+xcb_window_t OtherClient::focus()
+{
+    const auto reply =
+        m_session.reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(m_session.connection()));
+    return reply ? reply->focus : 0;
+}
+
 QRect OtherClient::frameOf(xcb_window_t window)
 {
     auto *connection = m_session.connection();

@@ -41,6 +41,8 @@ public:
     bool isFree(uint8_t keycode, uint16_t state);
     QList<quint32> property(xcb_window_t window, const char *name);
     QRect frameOf(xcb_window_t window);
+    /// The window that gets the keys.
+    xcb_window_t focus();
     xcb_window_t root() const { return m_session.root(); }
     xcb_atom_t atom(const char *name) { return m_session.atom(name); }
 

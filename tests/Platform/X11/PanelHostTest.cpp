@@ -31,7 +31,8 @@ struct Panels : testing::Test
     }
     void SetUp() override
     {
-        ASSERT_TRUE(waitUntil([&] { return activeIsTarget(); }));
+        // The last test's target may have had the same window number, and still be called active.
+        ASSERT_TRUE(waitUntil([&] { return activeIsTarget() && user.focus() == active(); }));
         targetWindow = active();
     }
     xcb_window_t active() { return user.property(user.root(), "_NET_ACTIVE_WINDOW").value(0); }

@@ -87,7 +87,7 @@ void rest(std::chrono::milliseconds time)
 {
     QElapsedTimer timer;
     timer.start();
-    DesktopSession::eventually([&] { return timer.durationElapsed() >= time; });
+    DesktopSession::eventually([&] { return timer.hasExpired(time.count()); });
 }
 
 struct Idle

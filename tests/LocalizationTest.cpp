@@ -3,6 +3,8 @@
 
 #include <thread>
 
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "Localization/Tables.h"
@@ -26,7 +28,7 @@ struct Language
     LocalizationTable table;
 };
 
-QList<Language> translations()
+std::vector<Language> translations()
 {
     return {{zhHans, simplifiedChineseTable()},
             {zhHant, traditionalChineseTable()},
@@ -41,7 +43,9 @@ QList<Language> translations()
 TEST(LocalizationTables, HaveEveryKeyOnceInOrder)
 {
     const QSet<Str> onlyChinese{Str::ocrCapturing, Str::ocrRecognizing, Str::ocrElapsed, Str::ocrWaitHint};
-    for (const auto &[language, table] : translations() << Language{en, englishTable()}) {
+    auto all = translations();
+    all.push_back({en, englishTable()});
+    for (const auto &[language, table] : all) {
         QList<Str> expected;
         for (int i = 0; i < strCount; ++i) {
             const auto key = static_cast<Str>(i);

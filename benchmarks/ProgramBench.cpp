@@ -198,9 +198,8 @@ void benchPresses(DesktopSession &desktop, const Programs &programs, double quer
         const auto begun = tovi.trace->next("captureStarted");
         const auto got = begun ? tovi.trace->next("captured") : std::nullopt;
         const auto painted = got ? tovi.trace->next("panelPainted") : std::nullopt;
-        const auto hasText =
-            painted && got->numbers.value("source") >= 0 ? tovi.trace->next("textPainted") : std::nullopt;
-        if (hasText) {
+        const auto hasText = painted ? tovi.trace->next("textPainted") : std::nullopt;
+        if (hasText && got->numbers.value("source") >= 0) {
             const auto since = [pressed](const TraceReader::Mark &mark) {
                 return double(mark.nanoseconds - pressed) / 1e6;
             };

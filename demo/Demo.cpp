@@ -46,11 +46,9 @@ std::optional<Press> pressShortcut(const DesktopSession &desktop, TraceReader &t
     const qint64 pressed = TraceReader::now();
     desktop.pressKey(XK_d, {XK_Alt_L});
     const auto captured = trace.next("captured");
-    if (!captured || captured->numbers.value("source") < 0)
-        return std::nullopt;
-    const auto panel = trace.next("panelPainted");
+    const auto panel = captured ? trace.next("panelPainted") : std::nullopt;
     const auto text = panel ? trace.next("textPainted") : std::nullopt;
-    if (!text || text->numbers.value("failed"))
+    if (!text || text->numbers.value("failed") || captured->numbers.value("source") < 0)
         return std::nullopt;
     const auto since = [pressed](const TraceReader::Mark &mark) {
         return double(mark.nanoseconds - pressed) / 1e6;

@@ -4,7 +4,6 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QThread>
@@ -83,13 +82,6 @@ Activity activity(qint64 pid)
     return sum;
 }
 
-void rest(std::chrono::milliseconds time)
-{
-    QElapsedTimer timer;
-    timer.start();
-    DesktopSession::eventually([&] { return timer.hasExpired(time.count()); });
-}
-
 struct Idle
 {
     double rss = 0;
@@ -101,9 +93,9 @@ Idle measureIdle(DesktopSession &desktop, const QString &program)
 {
     const Started started = start(desktop, program);
     const qint64 pid = started.process->processId();
-    rest(settleTime);
+    DesktopSession::rest(settleTime);
     const Activity before = activity(pid);
-    rest(idleTime);
+    DesktopSession::rest(idleTime);
     const Activity after = activity(pid);
     const Idle idle{memoryMiB(pid, "Rss:"),
                     memoryMiB(pid, "Pss:"),
@@ -184,14 +176,14 @@ void benchPresses(DesktopSession &desktop, const Programs &programs, double quer
     QProcess *editor = desktop.start(QStringLiteral("mousepad"), {QStringLiteral("--disable-server"), file});
     const auto window = desktop.waitForWindow(QStringLiteral("press.txt"));
     const Started tovi = start(desktop, programs.tovi);
-    rest(settleTime);
+    DesktopSession::rest(settleTime);
 
     Samples started, captured, panel, text;
     for (int tries = 0; panel.values.size() < size_t(rounds) && tries < 3 * rounds; ++tries) {
         desktop.activate(window);
         desktop.click(desktop.geometry(window).center());
         desktop.pressKey(XK_a, {XK_Control_L});
-        rest(std::chrono::milliseconds(200));
+        DesktopSession::rest(std::chrono::milliseconds(200));
         tovi.trace->clear();
         const qint64 pressed = TraceReader::now();
         desktop.pressKey(XK_d, {XK_Alt_L});
@@ -209,7 +201,7 @@ void benchPresses(DesktopSession &desktop, const Programs &programs, double quer
             text.add(since(*hasText));
         }
         desktop.pressKey(XK_Escape);
-        rest(std::chrono::milliseconds(200));
+        DesktopSession::rest(std::chrono::milliseconds(200));
     }
     printRow(QStringLiteral("to the shortcut's action"), started, "ms");
     printRow(QStringLiteral("to the captured text"), captured, "ms");
@@ -232,7 +224,7 @@ void benchPresses(DesktopSession &desktop, const Programs &programs, double quer
             end.add(double(got->nanoseconds - pressed) / 1e6);
         ::kill(pid_t(editor->processId()), SIGCONT);
         desktop.pressKey(XK_Escape);
-        rest(std::chrono::milliseconds(300));
+        DesktopSession::rest(std::chrono::milliseconds(300));
     }
     printRow(QStringLiteral("key press to the end of the capture"), end, "ms");
     printRow(QStringLiteral("longest answer of the main thread meanwhile (over D-Bus)"), stall, "ms");

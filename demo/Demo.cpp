@@ -62,12 +62,12 @@ std::optional<Press> translateSelection(const DesktopSession &desktop, xcb_windo
 {
     const QRect area = desktop.geometry(editor);
     std::optional<Press> press;
-    // The editor handles its keys when it comes to it: an empty capture is tried again.
     for (int attempt = 0; attempt < 5 && !press; ++attempt) {
         desktop.click(area.center());
         desktop.pressKey(XK_Home, {XK_Control_L});
         desktop.pressKey(XK_End, {XK_Shift_L});
         desktop.movePointer(area.topLeft() + QPoint(40, 120));
+        DesktopSession::rest(std::chrono::milliseconds(300));
         press = pressShortcut(desktop, trace);
         if (!press) {
             desktop.pressKey(XK_Escape);
@@ -98,9 +98,11 @@ int demonstrate(const QString &tovi, const QString &screenshotPath)
         return fail("Tovi did not start");
 
     const auto first = translateSelection(desktop, editor, trace);
-    if (!first)
-        return fail("no translation was painted");
     const QImage picture = desktop.screenshot();
+    if (!picture.save(screenshotPath))
+        return fail("the screenshot could not be saved");
+    if (!first)
+        return fail("no translation was painted; see the screenshot");
 
     QString source;
     QString translation;
@@ -130,8 +132,6 @@ int demonstrate(const QString &tovi, const QString &screenshotPath)
     if (again)
         std::printf("second key press:   panel painted after %.1f ms, text after %.1f ms\n",
                     again->panelMilliseconds, again->textMilliseconds);
-    if (!picture.save(screenshotPath))
-        return fail("the screenshot could not be saved");
     std::printf("screenshot:         %s\n", qPrintable(screenshotPath));
 
     if (source != sampleText)

@@ -362,4 +362,10 @@ bool DesktopSession::eventually(const std::function<bool()> &condition, std::chr
     return true;
 }
 
+void DesktopSession::rest(std::chrono::milliseconds time)
+{
+    const QDeadlineTimer end(time);
+    eventually([&] { return end.hasExpired(); });
+}
+
 } // namespace tovi

@@ -71,6 +71,8 @@ public:
     /// Delivers events until the condition holds; false when it did not within a generous time.
     static bool eventually(const std::function<bool()> &condition, std::chrono::seconds limit = defaultLimit);
     static constexpr std::chrono::seconds defaultLimit{90};
+    /// Gives other programs time as a person does between two keys; delivers events meanwhile.
+    static void rest(std::chrono::milliseconds time);
 
 private:
     bool startDisplay(const Options &options);

@@ -2,8 +2,7 @@
 #include "Platform/X11/X11PanelHost.h"
 
 #include <QApplication>
-#include <QImage>
-#include <QPainter>
+#include <QLabel>
 
 #include <xcb/xfixes.h>
 
@@ -19,14 +18,12 @@ namespace {
 constexpr size_t mostIdleWindows = 2;
 constexpr Clock::Duration restTime = std::chrono::milliseconds(500);
 
-/// The first text that is drawn loads the fonts.
-void loadFonts()
+/// The first widget that draws text loads the fonts and the style, which takes longer than showing a panel.
+void drawSomeText()
 {
-    QImage image(64, 32, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    painter.setFont(QApplication::font());
-    painter.drawText(image.rect(), QStringLiteral("Ab"));
+    QWidget window;
+    QLabel label(QStringLiteral("Ab"), &window);
+    window.grab();
 }
 
 } // namespace
@@ -146,8 +143,8 @@ void X11PanelHost::prepareLater(Clock::Duration delay)
     m_preparation = m_clock.after(delay, [this] {
         if (m_windows->idle.empty())
             m_windows->idle.push_back({m_windows->make(m_compositing), Clock::distantPast()});
-        static const bool fontsLoaded = (loadFonts(), true);
-        Q_UNUSED(fontsLoaded);
+        if (!std::exchange(m_hasDrawnText, true))
+            drawSomeText();
     });
 }
 

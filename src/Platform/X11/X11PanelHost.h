@@ -43,6 +43,7 @@ private:
     xcb_atom_t m_compositorAtom = 0;
     uint8_t m_fixesEvent = 0; // 0 without the extension
     bool m_compositing = false;
+    bool m_hasDrawnText = false;
 };
 
 } // namespace tovi

@@ -185,8 +185,7 @@ void benchPresses(DesktopSession &desktop, const Programs &programs, double quer
         desktop.pressKey(XK_a, {XK_Control_L});
         DesktopSession::rest(std::chrono::milliseconds(200));
         tovi.trace->clear();
-        const qint64 pressed = TraceReader::now();
-        desktop.pressKey(XK_d, {XK_Alt_L});
+        const qint64 pressed = desktop.pressKeyTimed(XK_d, XK_Alt_L);
         const auto begun = tovi.trace->next("captureStarted");
         const auto got = begun ? tovi.trace->next("captured") : std::nullopt;
         const auto painted = got ? tovi.trace->next("panelPainted") : std::nullopt;
@@ -217,8 +216,7 @@ void benchPresses(DesktopSession &desktop, const Programs &programs, double quer
     for (int i = 0; i < 5 && editor; ++i) {
         ::kill(pid_t(editor->processId()), SIGSTOP);
         tovi.trace->clear();
-        const qint64 pressed = TraceReader::now();
-        desktop.pressKey(XK_d, {XK_Alt_L});
+        const qint64 pressed = desktop.pressKeyTimed(XK_d, XK_Alt_L);
         stall.add(longestAnswer([&] { return TraceReader::now() - pressed > 900'000'000; }));
         if (const auto got = tovi.trace->next("captured"))
             end.add(double(got->nanoseconds - pressed) / 1e6);

@@ -43,8 +43,7 @@ struct Press
 std::optional<Press> pressShortcut(const DesktopSession &desktop, TraceReader &trace)
 {
     trace.clear();
-    const qint64 pressed = TraceReader::now();
-    desktop.pressKey(XK_d, {XK_Alt_L});
+    const qint64 pressed = desktop.pressKeyTimed(XK_d, XK_Alt_L);
     const auto captured = trace.next("captured");
     const auto panel = captured ? trace.next("panelPainted") : std::nullopt;
     const auto text = panel ? trace.next("textPainted") : std::nullopt;

@@ -19,6 +19,8 @@ namespace {
 template <class T>
 using Reply = std::unique_ptr<T, decltype([](T *reply) { std::free(reply); })>;
 
+constexpr std::chrono::milliseconds betweenKeys{15};
+
 /// One line that a starting program prints; empty when it did not.
 QString readLine(QProcess &process)
 {
@@ -305,12 +307,28 @@ void DesktopSession::setKey(xcb_keysym_t key, bool down) const
 
 void DesktopSession::pressKey(xcb_keysym_t key, const std::vector<xcb_keysym_t> &modifiers) const
 {
-    for (const xcb_keysym_t modifier : modifiers)
+    // Toolkits take events of the same instant for something else than a person's typing.
+    for (const xcb_keysym_t modifier : modifiers) {
         setKey(modifier, true);
+        rest(betweenKeys);
+    }
     setKey(key, true);
+    rest(betweenKeys);
     setKey(key, false);
     for (auto modifier = modifiers.rbegin(); modifier != modifiers.rend(); ++modifier)
         setKey(*modifier, false);
+    rest(betweenKeys);
+}
+
+qint64 DesktopSession::pressKeyTimed(xcb_keysym_t key, xcb_keysym_t modifier) const
+{
+    setKey(modifier, true);
+    rest(betweenKeys);
+    const auto time = std::chrono::steady_clock::now().time_since_epoch();
+    setKey(key, true);
+    setKey(key, false);
+    setKey(modifier, false);
+    return std::chrono::nanoseconds(time).count();
 }
 
 void DesktopSession::movePointer(QPoint position) const
@@ -324,6 +342,7 @@ void DesktopSession::click(QPoint position, int times, int button) const
     for (int i = 0; i < times; ++i) {
         fake(XCB_BUTTON_PRESS, static_cast<quint8>(button));
         fake(XCB_BUTTON_RELEASE, static_cast<quint8>(button));
+        rest(betweenKeys);
     }
 }
 

@@ -112,9 +112,11 @@ void AccessibilityBus::connectToSession()
     if (sd_bus_open_user(&bus) < 0)
         return;
     m_bus.reset(bus);
-    sd_bus_match_signal_async(
-        bus, nullptr, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-        "NameOwnerChanged",
+    // Only this name's changes: others come and go all the time, and each would wake the program.
+    sd_bus_add_match_async(
+        bus, nullptr,
+        "type='signal',sender='org.freedesktop.DBus',path='/org/freedesktop/DBus',"
+        "interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='org.a11y.Bus'",
         [](sd_bus_message *message, void *userData, sd_bus_error *) {
             auto *self = static_cast<AccessibilityBus *>(userData);
             const char *name = nullptr;

@@ -75,8 +75,8 @@ std::unique_ptr<DBusConnection> DBusConnection::open(const QByteArray &address, 
         const int processed = sd_bus_process(bus, nullptr);
         if (processed < 0 || deadline.hasExpired())
             return nullptr;
-        if (processed == 0 && sd_bus_wait(bus, microsecondsLeft(deadline)) < 0)
-            return nullptr;
+        if (processed == 0)
+            sd_bus_wait(bus, microsecondsLeft(deadline));
     }
     return sd_bus_is_ready(bus) > 0 ? std::move(connection) : nullptr;
 }

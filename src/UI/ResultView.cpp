@@ -6,7 +6,6 @@
 #include <QBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QPainter>
 #include <QPlainTextEdit>
 #include <QTextEdit>
 #include <QTextLayout>
@@ -21,7 +20,6 @@ namespace tovi {
 
 namespace {
 
-constexpr double cornerRadius = 12;
 constexpr int sidePadding = 14;
 
 QString t(Str key)
@@ -82,7 +80,6 @@ ResultView::ResultView(std::shared_ptr<ResultViewModel> model)
     : m_model(std::move(model))
 {
     setAccessibleName(QStringLiteral("Tovi"));
-    setAttribute(Qt::WA_TranslucentBackground);
 
     m_title = new QLabel(this);
     m_title->setFont(textFont(12));
@@ -110,6 +107,7 @@ ResultView::ResultView(std::shared_ptr<ResultViewModel> model)
     m_translation->setFrameShape(QFrame::NoFrame);
     m_translation->setReadOnly(true);
     m_translation->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    m_translation->setCursorWidth(0);
     m_translation->document()->setDocumentMargin(0);
 
     m_engine = new QLabel(this);
@@ -266,15 +264,9 @@ bool ResultView::eventFilter(QObject *watched, QEvent *event)
     return QWidget::eventFilter(watched, event);
 }
 
-void ResultView::paintEvent(QPaintEvent *)
+void ResultView::paintEvent(QPaintEvent *event)
 {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const QColor text = palette().color(QPalette::WindowText);
-    painter.setPen(QPen(QColor(text.red(), text.green(), text.blue(), 40), 1));
-    painter.setBrush(palette().color(QPalette::Base));
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
-
+    QWidget::paintEvent(event);
     traceFirstPaints();
 }
 

@@ -8,7 +8,7 @@
 #include "DesktopSession.h"
 #include "Platform/DispatchQueue.h"
 #include "Platform/Linux/AtspiAccessibility.h"
-#include "Platform/X11/XcbActiveWindow.h"
+#include "Platform/X11/FrontWindow.h"
 #include "Platform/X11/XcbPrimarySelection.h"
 #include "Support/CapturedSelection.h"
 
@@ -89,7 +89,7 @@ QList<Target> targets(const DesktopSession &desktop)
 double benchAccessibility(DesktopSession &desktop)
 {
     printHeading("Accessibility query: focused element, selected text, bounds (ms)");
-    AtspiAccessibility accessibility(std::make_shared<XcbActiveWindow>(),
+    AtspiAccessibility accessibility(std::make_shared<FrontWindow>(),
                                      std::make_shared<XcbPrimarySelection>());
     DispatchQueue queue(QStringLiteral("capture"));
     DesktopSession::eventually([&] {

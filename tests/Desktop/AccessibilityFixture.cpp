@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "Desktop/AccessibilityFixture.h"
 
-#include "Platform/X11/XcbActiveWindow.h"
+#include "Platform/X11/FrontWindow.h"
 #include "Platform/X11/XcbPrimarySelection.h"
 
 namespace tovi {
 
 AccessibilityDesktop::AccessibilityDesktop(const DesktopSession::Options &options)
     : desktop(std::make_unique<DesktopSession>(options))
-    , accessibility(std::make_unique<AtspiAccessibility>(std::make_shared<XcbActiveWindow>(),
+    , accessibility(std::make_unique<AtspiAccessibility>(std::make_shared<FrontWindow>(),
                                                          std::make_shared<XcbPrimarySelection>()))
     , queue(std::make_unique<DispatchQueue>(QStringLiteral("capture")))
 {}

@@ -66,7 +66,7 @@ FrontWindow::FrontWindow()
     activeWindowChanged();
 }
 
-quint32 FrontWindow::activeWindow()
+quint32 FrontWindow::activeWindowId()
 {
     const auto items = propertyItems(
         m_session.reply(m_session.requestProperty(m_session.root(), m_activeWindowAtom, 1)).get());
@@ -75,7 +75,7 @@ quint32 FrontWindow::activeWindow()
 
 quint32 FrontWindow::frontWindow()
 {
-    const quint32 active = activeWindow();
+    const quint32 active = activeWindowId();
     if (!active || m_panels.contains(active))
         return active ? m_lastWindow : 0;
     return m_lastWindow = active;
@@ -92,6 +92,14 @@ std::optional<FrontWindow::Window> FrontWindow::current()
 {
     const auto all = details();
     return all ? std::optional(all->window) : std::nullopt;
+}
+
+std::optional<ActiveWindow> FrontWindow::activeWindow()
+{
+    const auto front = details();
+    if (!front)
+        return std::nullopt;
+    return ActiveWindow{front->window.processIdentifier, front->title, front->window.id};
 }
 
 std::optional<FrontWindow::Details> FrontWindow::details()
@@ -138,7 +146,7 @@ std::optional<QRect> FrontWindow::activeFrame()
 {
     const std::scoped_lock lock(m_mutex);
     m_session.startDeadline(limit);
-    const quint32 id = activeWindow();
+    const quint32 id = activeWindowId();
     if (!id)
         return std::nullopt;
     const auto sizeCookie = xcb_get_geometry(m_session.connection(), id);

@@ -7,6 +7,7 @@
 
 #include <QRect>
 
+#include "Platform/Linux/ActiveWindow.h"
 #include "Platform/Linux/DesktopEntries.h"
 #include "Platform/X11/XcbSession.h"
 
@@ -15,7 +16,7 @@ namespace tovi {
 /// Which window the user works in. Panels of this program do not count: while one is active the answer is the
 /// window that was active before. Asks only the display server, for a quarter of a second at most. Any
 /// thread.
-class FrontWindow
+class FrontWindow final : public ActiveWindowSource
 {
 public:
     struct Window
@@ -34,6 +35,7 @@ public:
     FrontWindow();
 
     std::optional<Window> current();
+    std::optional<ActiveWindow> activeWindow() override;
     /// As above, with how the window names its application.
     std::optional<Details> details();
     /// Where the active window is, panels included. Device pixels.
@@ -57,7 +59,7 @@ public:
     void activeWindowChanged();
 
 private:
-    quint32 activeWindow();
+    quint32 activeWindowId();
     quint32 frontWindow();
 
     std::mutex m_mutex; // of everything below

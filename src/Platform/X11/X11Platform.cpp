@@ -38,24 +38,11 @@ QString secretsFile()
            QStringLiteral("/tovi/secrets.json");
 }
 
-/// The window the user works in, for the services that know no display server.
-class FrontWindowSource final : public ActiveWindowSource
+/// The capture queue, which asks it last, ends before the services do.
+std::shared_ptr<ActiveWindowSource> sharedWithoutOwnership(FrontWindow &frontWindow)
 {
-public:
-    explicit FrontWindowSource(FrontWindow &frontWindow)
-        : m_frontWindow(frontWindow)
-    {}
-    std::optional<ActiveWindow> activeWindow() override
-    {
-        const auto front = m_frontWindow.details();
-        if (!front)
-            return std::nullopt;
-        return ActiveWindow{front->window.processIdentifier, front->title, front->window.id};
-    }
-
-private:
-    FrontWindow &m_frontWindow;
-};
+    return {std::shared_ptr<void>(), &frontWindow};
+}
 
 /// Accessibility coordinates are the program's turned over, so they scale as these do.
 AccessibilityScale accessibilityScale()
@@ -94,7 +81,7 @@ struct X11Platform::Services
     X11Pasteboard pasteboard;
     X11ScreenCapture screenCapture;
     X11PanelHost panelHost{workspace.frontWindow(), clock};
-    AtspiAccessibility accessibility{std::make_shared<FrontWindowSource>(workspace.frontWindow()),
+    AtspiAccessibility accessibility{sharedWithoutOwnership(workspace.frontWindow()),
                                      std::make_shared<XcbPrimarySelection>(), accessibilityScale()};
     ApertiumFramework translationFramework;
 };

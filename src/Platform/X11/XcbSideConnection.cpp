@@ -51,26 +51,6 @@ xcb_atom_t XcbSideConnection::atom(const char *name)
     return atom;
 }
 
-quint32 XcbSideConnection::number(xcb_window_t window, xcb_atom_t property, xcb_atom_t type)
-{
-    const auto cookie = xcb_get_property(m_connection, false, window, property, type, 0, 1);
-    const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(m_connection, cookie, nullptr));
-    if (!reply || reply->type != type || reply->format != 32 ||
-        xcb_get_property_value_length(reply.get()) < 4)
-        return 0;
-    return *static_cast<const quint32 *>(xcb_get_property_value(reply.get()));
-}
-
-QString XcbSideConnection::text(xcb_window_t window, xcb_atom_t property, xcb_atom_t type)
-{
-    const auto cookie = xcb_get_property(m_connection, false, window, property, type, 0, 16384);
-    const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(m_connection, cookie, nullptr));
-    if (!reply || reply->type != type || reply->format != 8)
-        return {};
-    return QString::fromUtf8(static_cast<const char *>(xcb_get_property_value(reply.get())),
-                             xcb_get_property_value_length(reply.get()));
-}
-
 qint64 XcbSideConnection::processOf(quint32 resource)
 {
     const auto *extension = xcb_get_extension_data(m_connection, &xcb_res_id);

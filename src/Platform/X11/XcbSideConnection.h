@@ -30,10 +30,6 @@ public:
     xcb_connection_t *get();
     xcb_screen_t *screen() const { return m_screen; }
     xcb_atom_t atom(const char *name);
-    /// A 32-bit property's first value; 0 where it is missing or of another type.
-    quint32 number(xcb_window_t window, xcb_atom_t property, xcb_atom_t type);
-    /// A UTF-8 property, its first 64 KiB; empty where it is missing or of another type.
-    QString text(xcb_window_t window, xcb_atom_t property, xcb_atom_t type);
     /// The local process that the client owning `resource` runs in; 0 where the server does not know.
     qint64 processOf(quint32 resource);
     /// Whether two resources belong to the same client.

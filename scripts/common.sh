@@ -5,7 +5,7 @@
 program_packages=(
     g++ cmake ninja-build ccache pkg-config
     qt6-base-dev qt6-base-private-dev libqt6svg6-dev libqt6svg6 qt6-qpa-plugins qcoro-qt6-dev
-    libxcb1-dev libxcb-xinput-dev libxcb-xtest0-dev libxcb-xfixes0-dev libxcb-res0-dev
+    x11proto-dev libxcb1-dev libxcb-xinput-dev libxcb-xtest0-dev libxcb-xfixes0-dev libxcb-res0-dev
     libxcb-keysyms1-dev libxcb-xkb-dev libxcb-randr0-dev libsystemd-dev
     libsecret-1-dev libcld2-dev
     at-spi2-core dbus apertium apertium-eng-spa apertium-fr-es
@@ -16,8 +16,8 @@ demo_packages=(xvfb openbox dbus-daemon mousepad fonts-noto-core x11-xkb-utils)
 # What the tests drive.
 test_packages=(
     libgtest-dev libgmock-dev "${demo_packages[@]}"
-    gnome-keyring dbus-x11 xdotool xclip x11-utils x11-xserver-utils trayer
-    featherpad xterm firefox-esr chromium fonts-noto-cjk fonts-noto-color-emoji
+    gnome-keyring xterm trayer xcompmgr x11-xserver-utils
+    featherpad firefox-esr chromium fonts-noto-cjk fonts-noto-color-emoji
 )
 
 # Installs the packages that are missing, once, with root's or sudo's rights.
@@ -41,10 +41,10 @@ install_packages() {
             apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# build PRESET TARGET...: configures when needed and builds.
+# build PRESET TARGET...: configures and builds.
 build() {
     local preset=$1
     shift
-    [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" >/dev/null || return 1
+    cmake --preset "$preset" >/dev/null || return 1
     cmake --build --preset "$preset" ${1:+--target "$@"}
 }

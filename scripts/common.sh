@@ -4,7 +4,7 @@
 # What the program is built from and runs with.
 program_packages=(
     g++ cmake ninja-build ccache pkg-config
-    qt6-base-dev qt6-base-private-dev libqt6svg6-dev libqt6svg6 qt6-qpa-plugins qcoro-qt6-dev
+    qt6-base-dev qt6-base-private-dev qt6-svg-dev libqt6svg6 qt6-qpa-plugins qcoro-qt6-dev
     x11proto-dev libxcb1-dev libxcb-xinput-dev libxcb-xtest0-dev libxcb-xfixes0-dev libxcb-res0-dev
     libxcb-keysyms1-dev libxcb-xkb-dev libxcb-randr0-dev libsystemd-dev
     libsecret-1-dev libcld2-dev

@@ -91,8 +91,8 @@ void Settings::providersChanged()
 {
     m_keys->noteEdits(providers);
     m_isSavePending = true;
-    m_providersSave =
-        Platform::current().clock().after(saveDelay, [this, list = providers.get()] { persistProviders(list); });
+    m_providersSave = Platform::current().clock().after(
+        saveDelay, [this, list = providers.get()] { persistProviders(list); });
 }
 
 void Settings::persistProviders(const QList<ProviderConfig> &list)

@@ -304,10 +304,3 @@ TEST_F(DesktopWithoutAccessibility, EverythingFailsAtOnce)
 
 } // namespace
 } // namespace tovi
-
-int main(int argc, char **argv)
-{
-    testing::InitGoogleTest(&argc, argv);
-    QCoreApplication application(argc, argv);
-    return RUN_ALL_TESTS();
-}

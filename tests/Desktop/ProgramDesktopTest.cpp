@@ -214,10 +214,3 @@ TEST_F(ProgramWithoutAccessibility, SaysThatItNeedsIt)
 
 } // namespace
 } // namespace tovi
-
-int main(int argc, char **argv)
-{
-    testing::InitGoogleTest(&argc, argv);
-    QCoreApplication application(argc, argv);
-    return RUN_ALL_TESTS();
-}

@@ -37,14 +37,6 @@ QString noOCRTextMessage()
     return t(mayRecord ? Str::messageOCRNoText : Str::messageScreenPermission);
 }
 
-std::optional<QString> frontmostName()
-{
-    const auto frontmost = Platform::current().workspace().frontmostApplication();
-    if (!frontmost || frontmost->localizedName.isEmpty())
-        return std::nullopt;
-    return frontmost->localizedName;
-}
-
 void resizePanel(const ResultViewModel &model)
 {
     if (const auto resize = model.onResize)
@@ -69,7 +61,7 @@ void AppDelegate::performCapture(bool preferOCR, std::optional<QPointF> at)
 QCoro::Task<> AppDelegate::runCapture(bool preferOCR, std::optional<QPointF> at, qint64 token)
 {
     const QPointer self(this);
-    const auto appName = frontmostName();
+    const auto appName = Platform::current().workspace().frontmostName();
     const auto holder = std::make_shared<ProgressHolder>();
 
     m_watchdog = Platform::current().clock().after(slowCaptureLimit, [self, token, holder] {
@@ -150,7 +142,7 @@ void AppDelegate::triggerOCR()
     }
     const qint64 token = ++m_captureToken;
     m_isCapturing = false;
-    const auto appName = frontmostName();
+    const auto appName = Platform::current().workspace().frontmostName();
     ScreenCapture &screenCapture = Platform::current().screenCapture();
     if (!screenCapture.preflightAccess())
         screenCapture.requestAccess();
@@ -240,12 +232,14 @@ void AppDelegate::translate(const QString &text, const Model &model, const QUuid
 
 QCoro::Task<> AppDelegate::runTranslation(QString text, Model model, QUuid providerID)
 {
-    const auto onDelta = [model, lastResize = Clock::distantPast()](const QString &partial) mutable {
+    // Shared: the handler is copied on its way through the translator.
+    const auto lastResize = std::make_shared<Clock::Time>(Clock::distantPast());
+    const auto onDelta = [model, lastResize](const QString &partial) {
         model->translatedText = partial;
         model->isLoading = false;
         const auto now = Platform::current().clock().now();
-        if (now - lastResize > resizeInterval) {
-            lastResize = now;
+        if (now - *lastResize > resizeInterval) {
+            *lastResize = now;
             resizePanel(*model);
         }
     };

@@ -20,13 +20,6 @@ QRectF recognitionRect(QPointF cursor)
     return {cursor.x() - 360, cursor.y() - 130, 720, 260};
 }
 
-std::optional<QString> frontmostName()
-{
-    const auto frontmost = Platform::current().workspace().frontmostApplication();
-    return frontmost && !frontmost->localizedName.isEmpty() ? std::optional(frontmost->localizedName)
-                                                            : std::nullopt;
-}
-
 QCoro::Task<std::optional<CaptureResult>> recognize(std::optional<QPointF> cursor,
                                                     std::optional<QString> appName,
                                                     CaptureManager::ProgressHandler onProgress)
@@ -70,7 +63,7 @@ CaptureManager::captureInternal(bool preferOCR, std::optional<QPointF> at, Progr
 {
     Workspace &workspace = Platform::current().workspace();
     const auto cursor = at ? at : workspace.mouseLocation();
-    const auto appName = frontmostName();
+    const auto appName = workspace.frontmostName();
     const auto screens = workspace.screens();
     const double primaryHeight = screens.isEmpty() ? 0 : screens.first().frame.height();
 

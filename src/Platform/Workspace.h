@@ -37,6 +37,14 @@ public:
     /// The last active application, panels of this program not counted; none when nothing is active. Any
     /// thread; asks only the display server.
     virtual std::optional<RunningApplication> frontmostApplication() = 0;
+    /// Its name; none where there is no name or no application. Any thread.
+    std::optional<QString> frontmostName()
+    {
+        const auto frontmost = frontmostApplication();
+        if (!frontmost || frontmost->localizedName.isEmpty())
+            return std::nullopt;
+        return frontmost->localizedName;
+    }
     /// The primary screen first. Main thread.
     virtual QList<Screen> screens() = 0;
     /// The screen of the active window, else the pointer's. Main thread.

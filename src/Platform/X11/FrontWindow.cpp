@@ -20,18 +20,6 @@ QString processName(qint64 pid)
                                                      : QString();
 }
 
-qint64 clientPid(const xcb_res_query_client_ids_reply_t *reply)
-{
-    if (!reply)
-        return 0;
-    for (auto it = xcb_res_query_client_ids_ids_iterator(reply); it.rem; xcb_res_client_id_value_next(&it)) {
-        if (it.data->spec.mask == XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID &&
-            xcb_res_client_id_value_value_length(it.data) > 0)
-            return *xcb_res_client_id_value_value(it.data);
-    }
-    return 0;
-}
-
 } // namespace
 
 FrontWindow::FrontWindow()
@@ -131,7 +119,7 @@ std::optional<FrontWindow::Details> FrontWindow::details()
     details.window.id = id;
     details.title = QString::fromUtf8(title);
     // Inside a sandbox an application counts processes its own way; the server knows the real one.
-    details.window.processIdentifier = clientPid(clients.get());
+    details.window.processIdentifier = localClientPid(clients.get());
     if (!details.window.processIdentifier)
         details.window.processIdentifier = pidItems.value(0);
     const auto names = propertyBytes(classReply.get()).split('\0');

@@ -42,4 +42,16 @@ QByteArray propertyBytes(const xcb_get_property_reply_t *reply)
     return {static_cast<const char *>(xcb_get_property_value(reply)), xcb_get_property_value_length(reply)};
 }
 
+qint64 localClientPid(const xcb_res_query_client_ids_reply_t *reply)
+{
+    if (!reply)
+        return 0;
+    for (auto it = xcb_res_query_client_ids_ids_iterator(reply); it.rem; xcb_res_client_id_value_next(&it)) {
+        if (it.data->spec.mask == XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID &&
+            xcb_res_client_id_value_value_length(it.data) > 0)
+            return *xcb_res_client_id_value_value(it.data);
+    }
+    return 0;
+}
+
 } // namespace tovi

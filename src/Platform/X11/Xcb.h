@@ -8,6 +8,7 @@
 #include <QByteArrayView>
 #include <QList>
 
+#include <xcb/res.h>
 #include <xcb/xcb.h>
 
 namespace tovi {
@@ -38,5 +39,8 @@ xcb_atom_t internAtom(xcb_connection_t *connection, QByteArrayView name);
 QList<quint32> propertyItems(const xcb_get_property_reply_t *reply);
 /// A property's bytes; empty for another format.
 QByteArray propertyBytes(const xcb_get_property_reply_t *reply);
+
+/// The local process of the first client in the reply; 0 for none and for a null reply.
+qint64 localClientPid(const xcb_res_query_client_ids_reply_t *reply);
 
 } // namespace tovi

@@ -31,7 +31,7 @@ PrimarySelection::Answer XcbPrimarySelection::read(const ActiveWindow &window, Q
     Answer answer = readLocked(window, deadline);
     xcb_destroy_window(m_server, m_requestor);
     xcb_flush(m_server);
-    while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(m_server)})
+    while (const XcbOwned<xcb_generic_event_t> event{xcb_poll_for_event(m_server)})
         continue;
     return answer;
 }
@@ -39,7 +39,7 @@ PrimarySelection::Answer XcbPrimarySelection::read(const ActiveWindow &window, Q
 PrimarySelection::Answer XcbPrimarySelection::readLocked(const ActiveWindow &window,
                                                          const QDeadlineTimer &deadline)
 {
-    const XcbReply<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
+    const XcbOwned<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
         m_server, xcb_get_selection_owner(m_server, XCB_ATOM_PRIMARY), nullptr));
     if (!owner)
         return {Status::Unavailable, {}};
@@ -139,7 +139,7 @@ XcbPrimarySelection::Transfer XcbPrimarySelection::receiveIncrements(const QDead
 
 std::optional<XcbPrimarySelection::Property> XcbPrimarySelection::takeProperty()
 {
-    const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+    const XcbOwned<xcb_get_property_reply_t> reply(xcb_get_property_reply(
         m_server, xcb_get_property(m_server, true, m_requestor, m_property, XCB_ATOM_ANY, 0, sizeLimit / 4),
         nullptr));
     if (!reply || reply->bytes_after > 0)
@@ -150,10 +150,10 @@ std::optional<XcbPrimarySelection::Property> XcbPrimarySelection::takeProperty()
 }
 
 template <class Wanted>
-XcbReply<xcb_generic_event_t> XcbPrimarySelection::waitFor(Wanted wanted, const QDeadlineTimer &deadline)
+XcbOwned<xcb_generic_event_t> XcbPrimarySelection::waitFor(Wanted wanted, const QDeadlineTimer &deadline)
 {
     for (;;) {
-        while (XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(m_server)}) {
+        while (XcbOwned<xcb_generic_event_t> event{xcb_poll_for_event(m_server)}) {
             if (wanted(event.get()))
                 return event;
         }

@@ -35,7 +35,7 @@ private:
     std::optional<Property> takeProperty();
     /// The next event that `wanted` accepts; null at the deadline or when the server is gone.
     template <class Wanted>
-    XcbReply<xcb_generic_event_t> waitFor(Wanted wanted, const QDeadlineTimer &deadline);
+    XcbOwned<xcb_generic_event_t> waitFor(Wanted wanted, const QDeadlineTimer &deadline);
 
     XcbSideConnection m_connection;
     xcb_connection_t *m_server = nullptr;       ///< during a read

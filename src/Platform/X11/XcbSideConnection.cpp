@@ -45,7 +45,7 @@ xcb_atom_t XcbSideConnection::atom(const char *name)
     if (const xcb_atom_t known = m_atoms.value(name, XCB_ATOM_NONE))
         return known;
     const auto cookie = xcb_intern_atom(m_connection, false, static_cast<uint16_t>(qstrlen(name)), name);
-    const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(m_connection, cookie, nullptr));
+    const XcbOwned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(m_connection, cookie, nullptr));
     const xcb_atom_t atom = reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
     m_atoms.insert(name, atom);
     return atom;
@@ -58,17 +58,9 @@ qint64 XcbSideConnection::processOf(quint32 resource)
         return 0;
     const xcb_res_client_id_spec_t question{resource, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
     const auto cookie = xcb_res_query_client_ids(m_connection, 1, &question);
-    const XcbReply<xcb_res_query_client_ids_reply_t> reply(
+    const XcbOwned<xcb_res_query_client_ids_reply_t> reply(
         xcb_res_query_client_ids_reply(m_connection, cookie, nullptr));
-    if (!reply)
-        return 0;
-    auto ids = xcb_res_query_client_ids_ids_iterator(reply.get());
-    for (; ids.rem > 0; xcb_res_client_id_value_next(&ids)) {
-        if ((ids.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) &&
-            xcb_res_client_id_value_value_length(ids.data) > 0)
-            return *xcb_res_client_id_value_value(ids.data);
-    }
-    return 0;
+    return localClientPid(reply.get());
 }
 
 bool XcbSideConnection::sameClient(quint32 one, quint32 other) const

@@ -11,9 +11,6 @@
 
 namespace tovi {
 
-template <class T>
-using XcbReply = XcbOwned<T>;
-
 /// A connection to the X server of our own, for questions asked off the main thread. Made on first use and
 /// again after the server went away; nobody reads it in between. Hold the lock while using it.
 class XcbSideConnection

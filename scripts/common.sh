@@ -7,7 +7,7 @@ program_packages=(
     qt6-base-dev qt6-base-private-dev qt6-svg-dev libqt6svg6 qt6-qpa-plugins qcoro-qt6-dev
     x11proto-dev libxcb1-dev libxcb-xinput-dev libxcb-xtest0-dev libxcb-xfixes0-dev libxcb-res0-dev
     libxcb-keysyms1-dev libxcb-xkb-dev libxcb-randr0-dev libsystemd-dev
-    libsecret-1-dev libcld2-dev
+    libsecret-1-dev libcld2-dev libcurl4-openssl-dev ca-certificates
     at-spi2-core dbus apertium apertium-eng-spa apertium-fr-es
     fonts-noto-core
 )
@@ -16,7 +16,7 @@ demo_packages=(xvfb openbox dbus-daemon mousepad fonts-noto-core x11-xkb-utils)
 # What the tests drive.
 test_packages=(
     libgtest-dev libgmock-dev "${demo_packages[@]}"
-    gnome-keyring xterm trayer xcompmgr x11-xserver-utils
+    openssl gnome-keyring xterm trayer xcompmgr x11-xserver-utils
     featherpad firefox-esr chromium fonts-noto-cjk fonts-noto-color-emoji
 )
 

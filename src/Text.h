@@ -12,4 +12,7 @@ inline bool isBlank(QStringView text)
     return text.trimmed().isEmpty();
 }
 
+/// At most the first `count` user-perceived characters.
+QStringView firstCharacters(QStringView text, int count);
+
 } // namespace tovi

@@ -21,6 +21,7 @@ class ScreenCapture;
 class SecretStore;
 class SystemLog;
 class TranslationFramework;
+class URLLoading;
 class UserDefaults;
 class Workspace;
 
@@ -47,6 +48,7 @@ public:
     virtual SecretStore &secretStore() = 0;
     virtual SystemLog &systemLog() = 0;
     virtual TranslationFramework &translationFramework() = 0;
+    virtual URLLoading &urlLoading() = 0;
     virtual UserDefaults &userDefaults() = 0;
     virtual Workspace &workspace() = 0;
 

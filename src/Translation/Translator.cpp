@@ -4,6 +4,7 @@
 #include "Localization.h"
 #include "Platform/Platform.h"
 #include "Settings.h"
+#include "Translation/DictionaryLookup.h"
 #include "Translation/ProviderFactory.h"
 #include "Translation/TranslationProvider.h"
 
@@ -25,14 +26,6 @@ QCoro::Task<> deliver(Translator::DeltaHandler onDelta, QString text)
     const std::function<void()> call = std::bind_front(onDelta, text);
     const QFuture<void> taken = runOnMain(call);
     co_await taken;
-}
-
-/// The English dictionary's entry for a word or short phrase. No service is asked so far.
-QCoro::Task<std::optional<DictionaryEntry>> lookupDictionary(bool isEnabled, QString text)
-{
-    Q_UNUSED(isEnabled)
-    Q_UNUSED(text)
-    co_return std::nullopt;
 }
 
 } // namespace
@@ -57,6 +50,8 @@ Translator &Translator::shared()
 
 Translator::Translator()
     : providerFactory(makeProvider)
+    , m_dictionarySession(
+          Platform::current().urlLoading().makeSession({std::chrono::seconds(10), std::chrono::seconds(15)}))
 {}
 
 Translator::~Translator() = default;
@@ -111,12 +106,16 @@ QCoro::Task<TranslationResult> Translator::testConnection(ProviderConfig config)
 // No coroutine: GCC 12 destroys captures of a lambda inside a co_await expression twice.
 QFuture<TranslationResult> Translator::start(const Request &request)
 {
-    return m_executor.spawn([factory = providerFactory, request] { return perform(factory, request); });
+    return m_executor.spawn([this, request] { return perform(request); });
 }
 
-QCoro::Task<TranslationResult> Translator::perform(ProviderFactory factory, Request request)
+QCoro::Task<TranslationResult> Translator::perform(Request request)
 {
-    auto dictionary = lookupDictionary(request.wantsDictionary, request.text);
+    const ProviderFactory factory = providerFactory;
+    // On failure its end cancels it.
+    std::optional<DictionaryLookup> dictionary;
+    if (request.wantsDictionary)
+        dictionary.emplace(*m_dictionarySession, request.text);
     std::optional<TranslationError> failure;
     TranslationResult result;
     try {
@@ -143,7 +142,11 @@ QCoro::Task<TranslationResult> Translator::perform(ProviderFactory factory, Requ
             formatted(Localization::shared().t(Str::fallbackNote), {failure->localizedDescription()});
         result = {answer.translatedText, answer.detectedSource, std::nullopt, answer.providerName, note};
     }
-    result.dictionary = co_await dictionary;
+    result.dictionary = std::nullopt;
+    if (dictionary) {
+        auto lookingUp = dictionary->entry();
+        result.dictionary = co_await lookingUp;
+    }
     co_return result;
 }
 

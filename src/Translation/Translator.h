@@ -21,6 +21,7 @@
 namespace tovi {
 
 class TranslationProvider;
+class URLSession;
 
 /// The entry point of translation: picks the engine, answers from the cache, falls back.
 class Translator
@@ -52,10 +53,11 @@ private:
     struct Request;
 
     QFuture<TranslationResult> start(const Request &request);
-    static QCoro::Task<TranslationResult> perform(ProviderFactory factory, Request request);
+    QCoro::Task<TranslationResult> perform(Request request);
     std::optional<TranslationResult> cachedResult(const QString &key) const;
     void store(const TranslationResult &result, const QString &key);
 
+    const std::unique_ptr<URLSession> m_dictionarySession;
     mutable std::mutex m_cacheLock;
     QHash<QString, TranslationResult> m_cache;
     QStringList m_cacheOrder;

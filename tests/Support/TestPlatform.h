@@ -18,6 +18,7 @@
 #include "Platform/ScreenCapture.h"
 #include "Platform/SecretStore.h"
 #include "Platform/SystemLog.h"
+#include "Platform/URLSession.h"
 #include "Platform/UserDefaults.h"
 #include "Platform/Workspace.h"
 #include "Support/TestAccessibility.h"
@@ -153,6 +154,30 @@ struct TestLoginItem final : LoginItem
     int unregistrations = 0;
 };
 
+/// A machine without a network.
+struct TestURLLoading final : URLLoading
+{
+    struct Task final : URLTask
+    {
+        template <class T>
+        static QFuture<T> failed()
+        {
+            return QtFuture::makeExceptionalFuture<T>(
+                std::make_exception_ptr(URLError(URLError::Code::notConnectedToInternet)));
+        }
+        QFuture<URLResponse> response() override { return failed<URLResponse>(); }
+        QFuture<QByteArray> read() override { return failed<QByteArray>(); }
+    };
+    struct Session final : URLSession
+    {
+        std::unique_ptr<URLTask> start(const URLRequest &) override { return std::make_unique<Task>(); }
+    };
+    std::unique_ptr<URLSession> makeSession(const URLSession::Configuration &) override
+    {
+        return std::make_unique<Session>();
+    }
+};
+
 struct TestUserDefaults final : UserDefaults
 {
     QJsonValue stored(const QString &key) const override { return values.value(key); }
@@ -183,8 +208,12 @@ public:
     TestSecretStore &secretStore() override { return m_secretStore; }
     TestSystemLog &systemLog() override { return m_systemLog; }
     TestTranslationFramework &translationFramework() override { return m_translationFramework; }
+    URLLoading &urlLoading() override { return *m_urlLoading; }
     TestUserDefaults &userDefaults() override { return m_userDefaults; }
     TestWorkspace &workspace() override { return m_workspace; }
+
+    /// Before the first request.
+    void useNetwork(std::unique_ptr<URLLoading> loading) { m_urlLoading = std::move(loading); }
 
 private:
     TestAccessibility m_accessibility;
@@ -199,6 +228,7 @@ private:
     TestSecretStore m_secretStore;
     TestSystemLog m_systemLog;
     TestTranslationFramework m_translationFramework;
+    std::unique_ptr<URLLoading> m_urlLoading = std::make_unique<TestURLLoading>();
     TestUserDefaults m_userDefaults;
     TestWorkspace m_workspace;
 };

@@ -7,6 +7,7 @@
 
 #include "Platform/Linux/ApertiumFramework.h"
 #include "Platform/Linux/AtspiAccessibility.h"
+#include "Platform/Linux/CurlURLLoading.h"
 #include "Platform/Linux/JsonUserDefaults.h"
 #include "Platform/Linux/LinuxApplication.h"
 #include "Platform/Linux/LinuxClock.h"
@@ -84,6 +85,7 @@ struct X11Platform::Services
     AtspiAccessibility accessibility{sharedWithoutOwnership(workspace.frontWindow()),
                                      std::make_shared<XcbPrimarySelection>(), accessibilityScale()};
     ApertiumFramework translationFramework;
+    CurlURLLoading urlLoading{clock, systemLog};
 };
 
 bool X11Platform::canConnect()
@@ -168,6 +170,11 @@ SystemLog &X11Platform::systemLog()
 TranslationFramework &X11Platform::translationFramework()
 {
     return m_services->translationFramework;
+}
+
+URLLoading &X11Platform::urlLoading()
+{
+    return m_services->urlLoading;
 }
 
 UserDefaults &X11Platform::userDefaults()

@@ -32,6 +32,7 @@ public:
     SecretStore &secretStore() override;
     SystemLog &systemLog() override;
     TranslationFramework &translationFramework() override;
+    URLLoading &urlLoading() override;
     UserDefaults &userDefaults() override;
     Workspace &workspace() override;
 

@@ -18,11 +18,15 @@ int main(int argc, char **argv)
     parser.addHelpOption();
     parser.addOption({QStringLiteral("tovi"), QStringLiteral("The program to measure."),
                       QStringLiteral("path"), QStringLiteral("build/release/tovi")});
+    parser.addOption({QStringLiteral("no-desktop"), QStringLiteral("Leave out what needs a desktop.")});
     parser.process(app);
 
     const bench::Programs programs{QFileInfo(parser.value(QStringLiteral("tovi"))).absoluteFilePath(),
                                    QCoreApplication::applicationDirPath() + QStringLiteral("/tovi-floor")};
     bench::benchLookups();
+    bench::benchStreams();
+    if (parser.isSet(QStringLiteral("no-desktop")))
+        return 0;
     DesktopSession desktop({.trayHost = true});
     if (!desktop.error().isEmpty()) {
         std::fprintf(stderr, "%s\n", qPrintable(desktop.error()));

@@ -15,6 +15,10 @@ target_compile_definitions(tovi_flags INTERFACE
 if(TOVI_SANITIZE)
     target_compile_options(tovi_flags INTERFACE -fsanitize=${TOVI_SANITIZE} -fno-omit-frame-pointer)
     target_link_options(tovi_flags INTERFACE -fsanitize=${TOVI_SANITIZE})
+    if(CMAKE_CXX_COMPILER_ID STREQUAL Clang)
+        # Clang 14 cannot compile coroutines with this check.
+        target_compile_options(tovi_flags INTERFACE -fno-sanitize=function)
+    endif()
 endif()
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 

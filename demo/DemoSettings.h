@@ -1,12 +1,18 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QJsonObject>
+
 namespace tovi {
 
 class DesktopSession;
 
-/// Writes the program's settings into the desktop's configuration folder: English to Spanish by the on-device
-/// engine, nothing that needs a network.
-void writeDemoSettings(const DesktopSession &desktop);
+/// Engines as the settings file holds them: one that needs no network, and one for a server with chat
+/// completions.
+QJsonObject onDeviceEngine();
+QJsonObject chatEngine(const QString &baseURL);
+
+/// Writes the program's settings into the desktop's configuration folder: into Spanish by this engine.
+void writeDemoSettings(const DesktopSession &desktop, const QJsonObject &engine = onDeviceEngine());
 
 } // namespace tovi

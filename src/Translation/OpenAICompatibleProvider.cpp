@@ -59,6 +59,27 @@ std::optional<QString> contentOfChoice(const QJsonObject &choice)
     return textValue(choice.value(QLatin1String("text")));
 }
 
+/// A text that grows while a reader keeps its last state: two copies take turns, so that the one to grow is
+/// the one that the reader has let go of, and no piece costs a copy of the whole.
+class GrowingText
+{
+public:
+    const QString &append(const QString &piece)
+    {
+        std::swap(m_current, m_other);
+        m_current += m_missing;
+        m_current += piece;
+        m_missing = piece;
+        return m_current;
+    }
+    const QString &text() const { return m_current; }
+
+private:
+    QString m_current;
+    QString m_other;
+    QString m_missing; // of the other
+};
+
 QString nonEmpty(const QString &text)
 {
     const QString trimmed = text.trimmed();
@@ -175,21 +196,20 @@ QCoro::Task<QString> OpenAICompatibleProvider::receiveStream(URLRequest request,
         throw TranslationError::network(ProviderErrorMapper::friendlyHTTPError(response.statusCode, body));
     }
     ChatStream stream;
-    QString accumulated;
+    GrowingText accumulated;
     for (bool isAtEnd = false; !isAtEnd && !stream.isDone();) {
         const auto reading = task->read();
         const QByteArray piece = co_await reading;
         isAtEnd = piece.isEmpty();
         isAtEnd ? stream.finish() : stream.append(piece);
         while (const auto delta = stream.next()) {
-            if (accumulated.size() + delta->size() > longestStreamedText)
+            if (accumulated.text().size() + delta->size() > longestStreamedText)
                 throw URLError(URLError::Code::dataLengthExceedsMaximum);
-            accumulated += *delta;
-            auto delivering = onDelta(accumulated);
+            auto delivering = onDelta(accumulated.append(*delta));
             co_await delivering;
         }
     }
-    co_return nonEmpty(accumulated);
+    co_return nonEmpty(accumulated.text());
 }
 
 QString OpenAICompatibleProvider::parseContent(const QByteArray &body)

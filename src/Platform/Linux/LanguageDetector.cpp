@@ -142,9 +142,9 @@ QString latinLanguage(const QString &text)
     static constexpr std::array<Letters, 3> telling{Letters{u"¿¡ñÑ", "es"}, Letters{u"œŒçÇùÙ", "fr"},
                                                     Letters{u"ßäÄöÖ", "de"}};
     const char *hint = nullptr;
-    for (const auto &[letters, language] : telling) {
-        if (std::any_of(text.begin(), text.end(), [&](QChar c) { return letters.contains(c); })) {
-            hint = hint ? nullptr : language;
+    for (const Letters &own : telling) {
+        if (std::any_of(text.begin(), text.end(), [&](QChar c) { return own.letters.contains(c); })) {
+            hint = hint ? nullptr : own.language;
             if (!hint)
                 break;
         }

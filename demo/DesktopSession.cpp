@@ -20,6 +20,7 @@ template <class T>
 using Reply = std::unique_ptr<T, decltype([](T *reply) { std::free(reply); })>;
 
 constexpr std::chrono::milliseconds betweenKeys{15};
+constexpr std::chrono::milliseconds fingerOnKey{90};
 
 /// One line that a starting program prints; empty when it did not.
 QString readLine(QProcess &process)
@@ -326,6 +327,7 @@ qint64 DesktopSession::pressKeyTimed(xcb_keysym_t key, xcb_keysym_t modifier) co
     rest(betweenKeys);
     const auto time = std::chrono::steady_clock::now().time_since_epoch();
     setKey(key, true);
+    rest(fingerOnKey);
     setKey(key, false);
     setKey(modifier, false);
     return std::chrono::nanoseconds(time).count();

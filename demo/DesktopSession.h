@@ -60,8 +60,8 @@ public:
 
     /// Presses and releases a key with modifiers held (keysyms of both), as a keyboard does.
     void pressKey(xcb_keysym_t key, const std::vector<xcb_keysym_t> &modifiers = {}) const;
-    /// The same, for measurements: the modifier is held before, and the time of the key itself is returned,
-    /// in nanoseconds of CLOCK_MONOTONIC.
+    /// The same as long as a finger takes, which a grab of the key lasts, too. The modifier is held before,
+    /// and the time of the key's going down is returned, in nanoseconds of CLOCK_MONOTONIC.
     qint64 pressKeyTimed(xcb_keysym_t key, xcb_keysym_t modifier) const;
     /// A key alone: down or up.
     void setKey(xcb_keysym_t key, bool down) const;

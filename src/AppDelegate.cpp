@@ -38,14 +38,15 @@ void AppDelegate::applicationDidFinishLaunching()
     setupMainMenu();
     setupStatusItem();
     setupHotKeys();
-    Trace::mark("ready");
     if (!platform.accessibility().isProcessTrusted())
         platform.accessibility().requestTrust();
     handleArguments(platform.application().arguments());
+    Trace::mark("ready");
 }
 
 void AppDelegate::handleArguments(const QStringList &arguments)
 {
+    Trace::mark("arguments", {{"count", arguments.size()}});
     const auto unavailable = [](const char *what) {
         Platform::current().systemLog().write(QStringLiteral("Tovi: this build has no ") +
                                               QLatin1String(what));
@@ -145,6 +146,8 @@ void AppDelegate::languageChanged()
 {
     if (m_statusMenu)
         rebuildMenu(m_statusMenu.get());
+    if (m_statusItem)
+        m_statusItem->setToolTip(Localization::shared().t(Str::aboutSubtitle));
     setupMainMenu();
 }
 

@@ -76,7 +76,7 @@ private:
     void present(const CaptureResult &capture, Model existingModel);
     void configure(const Model &model);
     void translate(const QString &text, const Model &model, const QUuid &providerID);
-    QCoro::Task<> runTranslation(QString text, Model model, QUuid providerID);
+    QCoro::Task<> runTranslation(QString text, Model model, QUuid providerID, int number);
     bool isCurrent(qint64 token) const { return token == m_captureToken; }
 
     std::unique_ptr<QMenu> m_statusMenu;

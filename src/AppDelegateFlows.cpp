@@ -14,6 +14,7 @@
 #include "Platform/Trace.h"
 #include "Platform/Workspace.h"
 #include "Settings.h"
+#include "Translation/ProviderErrorMapper.h"
 #include "Translation/Translator.h"
 #include "UI/ResultPanelManager.h"
 #include "UI/ResultViewModel.h"
@@ -85,7 +86,8 @@ void AppDelegate::captureFinished(const std::optional<CaptureResult> &result, co
 {
     m_isCapturing = false;
     m_watchdog.reset();
-    Trace::mark("captured", {{"source", result ? static_cast<int>(result->source) : -1}});
+    Trace::mark("captured", {{"source", result ? static_cast<int>(result->source) : -1},
+                             {"bounds", result && result->bounds ? 1 : 0}});
     if (result) {
         if (progressModel)
             progressModel->finishOCR(result->text, std::nullopt);
@@ -227,14 +229,18 @@ void AppDelegate::translate(const QString &text, const Model &model, const QUuid
     model->note = std::nullopt;
     model->translatedText = QString();
     resizePanel(*model);
-    runTranslation(text, model, providerID);
+    runTranslation(text, model, providerID, ++model->requestNumber);
 }
 
-QCoro::Task<> AppDelegate::runTranslation(QString text, Model model, QUuid providerID)
+QCoro::Task<> AppDelegate::runTranslation(QString text, Model model, QUuid providerID, int number)
 {
+    // A slow answer must not replace that of a newer request.
+    const auto isLatest = [model, number] { return model->requestNumber == number; };
     // Shared: the handler is copied on its way through the translator.
     const auto lastResize = std::make_shared<Clock::Time>(Clock::distantPast());
-    const auto onDelta = [model, lastResize](const QString &partial) {
+    const auto onDelta = [model, lastResize, isLatest](const QString &partial) {
+        if (!isLatest())
+            return;
         model->translatedText = partial;
         model->isLoading = false;
         const auto now = Platform::current().clock().now();
@@ -248,14 +254,23 @@ QCoro::Task<> AppDelegate::runTranslation(QString text, Model model, QUuid provi
         auto translation = Translator::shared().translate(text, Settings::shared().targetLanguage,
                                                           model->sourceLanguage, providerID, onDelta);
         const TranslationResult result = co_await translation;
+        if (!isLatest())
+            co_return;
         model->translatedText = result.translatedText;
         model->phonetic = result.dictionary ? result.dictionary->phonetic : std::nullopt;
         model->meanings = result.dictionary ? result.dictionary->meanings : QStringList();
         model->providerName = result.providerName;
         model->note = result.note;
     } catch (const TranslationError &error) {
-        model->errorMessage = formatted(t(Str::resultTranslateFailed), {error.localizedDescription()});
+        if (isLatest())
+            model->errorMessage = formatted(t(Str::resultTranslateFailed), {error.localizedDescription()});
+    } catch (...) {
+        const TranslationError error = ProviderErrorMapper::network(std::current_exception());
+        if (isLatest())
+            model->errorMessage = formatted(t(Str::resultTranslateFailed), {error.localizedDescription()});
     }
+    if (!isLatest())
+        co_return;
     model->isLoading = false;
     resizePanel(*model);
 }

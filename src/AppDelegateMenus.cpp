@@ -44,6 +44,8 @@ void AppDelegate::rebuildMenu(QMenu *menu)
 {
     const Settings &settings = Settings::shared();
     menu->clear();
+    // Clearing leaves the submenus alive.
+    qDeleteAll(menu->findChildren<QMenu *>(Qt::FindDirectChildrenOnly));
     menu->addAction(titleWithKeys(Str::menuCapture, settings.captureHotKey), this,
                     &AppDelegate::triggerCapture);
     menu->addAction(titleWithKeys(Str::menuOCR, settings.ocrHotKey), this, &AppDelegate::triggerOCR);

@@ -8,7 +8,9 @@
 #include "HotKeyStatus.h"
 #include "Localization.h"
 #include "Settings.h"
+#include "Support/Await.h"
 #include "Support/TestPlatform.h"
+#include "Translation/Translator.h"
 
 namespace tovi {
 namespace {
@@ -170,7 +172,6 @@ TEST_F(AppDelegateTest, AHungCaptureIsAbandonedAndItsLateResultDropped)
     EXPECT_EQ(platform.application().beeps, 1);
 
     answer.release(100);
-    element->onRequest = nullptr;
     select(QStringLiteral("next"));
     press(optionD);
     EXPECT_TRUE(showsResult(QStringLiteral("NEXT")));
@@ -224,6 +225,19 @@ TEST_F(AppDelegateTest, TheInputPanelTranslatesWhatIsSubmitted)
     submit(QStringLiteral("  \n "));
     EXPECT_EQ(shown().first().result, QString());
     submit(QStringLiteral("  typed\n"));
+    EXPECT_TRUE(showsResult(QStringLiteral("TYPED")));
+
+    // The answer to an older text comes too late.
+    QSemaphore answer;
+    session->answer = [&](const QString &text) {
+        answer.acquire();
+        return text.toUpper();
+    };
+    submit(QStringLiteral("slow"));
+    submit(QStringLiteral("typed"));
+    answer.release(2);
+    await(Translator::shared().translate(QStringLiteral("later"), QStringLiteral("es"),
+                                         QStringLiteral("auto"), std::nullopt, {}));
     EXPECT_TRUE(showsResult(QStringLiteral("TYPED")));
 }
 

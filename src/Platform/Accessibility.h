@@ -76,7 +76,6 @@ public:
 
     explicit operator bool() const { return static_cast<bool>(m_impl); }
     bool operator==(const AXElement &other) const;
-    const std::shared_ptr<AXElementImpl> &impl() const { return m_impl; }
 
 private:
     std::shared_ptr<AXElementImpl> m_impl;

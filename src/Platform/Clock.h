@@ -4,9 +4,6 @@
 #include <chrono>
 #include <functional>
 
-#include <QDateTime>
-#include <qcorotask.h>
-
 #include "Platform/Subscription.h"
 
 namespace tovi {
@@ -30,9 +27,6 @@ public:
     virtual void afterDetached(Duration delay, std::function<void()> action) = 0;
     /// Blocks the calling thread, which must not be the main thread (capture queue only).
     virtual void wait(Duration duration) = 0;
-
-    /// Resumes the awaiting coroutine on the main queue after `delay`. Main thread.
-    QCoro::Task<> sleep(Duration delay);
 };
 
 inline double seconds(Clock::Duration duration)

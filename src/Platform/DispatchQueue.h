@@ -49,7 +49,8 @@ QCoro::Task<> drive(MakeTask makeTask, std::shared_ptr<QPromise<T>> promise)
 
 /// A serial queue: one thread with an event loop. Starts its thread with the first piece of work, ends it
 /// (after the piece under way) when destroyed. All operations may be called from any thread. The futures
-/// always finish, with a value or with the exception that the work threw.
+/// finish with a value or with the exception that the work threw; those of work that the queue's end cuts off
+/// are cancelled.
 class DispatchQueue
 {
 public:
@@ -57,7 +58,6 @@ public:
     ~DispatchQueue();
     DispatchQueue(const DispatchQueue &) = delete;
 
-    QString label() const { return m_thread.objectName(); }
     bool isCurrent() const { return QThread::currentThread() == &m_thread; }
 
     void async(std::function<void()> work);

@@ -19,7 +19,7 @@
 namespace tovi {
 
 /// The observable state of one result panel; knows no window. Main thread.
-class ResultViewModel : public Observable, public std::enable_shared_from_this<ResultViewModel>
+class ResultViewModel : public Observable
 {
 public:
     enum class SpeakingTarget { source, translation };
@@ -44,6 +44,8 @@ public:
     Published<bool> didCopy{this, false}; ///< for a short time after copying
     Published<bool> isPinned{this, false};
     Published<bool> isInputPanel{this, false};
+
+    int requestNumber = 0; ///< of the latest translation asked for; answers to older ones are dropped
 
     /// What needs a window or an engine goes out through these; each may be unset.
     std::function<void()> onDismiss;                     ///< the panel closed

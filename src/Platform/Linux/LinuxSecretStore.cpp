@@ -37,9 +37,10 @@ SecretStore::Item LinuxSecretStore::find(const QString &service, const QString &
     moveOver();
     if (const auto entry = m_file.find(service, account))
         return entry->data ? Item{Status::Found, *entry->data} : Item{};
+    // Without a service, too, nothing is known: it may start after us.
     const auto item = ask([&] { return std::optional(m_service.find(service, account)); });
     if (m_service.access() == Access::Absent)
-        return {};
+        return {Status::Unavailable, {}};
     return item.value_or(Item{Status::Unavailable, {}});
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Platform/Linux/SingleInstance.h"
 
+#include <cstdio>
+
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -37,8 +39,10 @@ private:
 SingleInstance::Role SingleInstance::claim(const QStringList &arguments, Handler handler)
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected())
+    if (!bus.isConnected()) {
+        std::fputs("tovi: no session bus; a second start will not find this one\n", stderr);
         return Role::First;
+    }
 
     // The object stands before the name does, so that nobody finds the name without it.
     auto *receiver = new Receiver(QCoreApplication::instance(), std::move(handler));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Platform/Linux/UnixSignals.h"
 
+#include <cerrno>
 #include <csignal>
 
 #include <QCoreApplication>
@@ -14,8 +15,10 @@ static int s_signalSockets[2] = {-1, -1};
 
 extern "C" void toviSignalHandler(int)
 {
+    const int interrupted = errno;
     const char one = 1;
     [[maybe_unused]] const auto written = ::write(s_signalSockets[0], &one, 1);
+    errno = interrupted;
 }
 
 void quitOnUnixSignals()

@@ -76,12 +76,6 @@ void FrontWindow::activeWindowChanged()
     frontWindow();
 }
 
-std::optional<FrontWindow::Window> FrontWindow::current()
-{
-    const auto all = details();
-    return all ? std::optional(all->window) : std::nullopt;
-}
-
 std::optional<ActiveWindow> FrontWindow::activeWindow()
 {
     const auto front = details();

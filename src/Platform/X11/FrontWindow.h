@@ -34,9 +34,8 @@ public:
 
     FrontWindow();
 
-    std::optional<Window> current();
     std::optional<ActiveWindow> activeWindow() override;
-    /// As above, with how the window names its application.
+    /// The same, with how the window names its application.
     std::optional<Details> details();
     /// Where the active window is, panels included. Device pixels.
     std::optional<QRect> activeFrame();

@@ -35,6 +35,9 @@ private:
     bool grab(Grab &grab) const;
     void ungrab(Grab &grab) const;
     void pressed(const xcb_key_press_event_t &event);
+    void letGo(const xcb_key_press_event_t &event);
+    void released(uint32_t keycode);
+    void watchReleases(bool on);
     void keyboardChanged();
 
     Handler m_handler;
@@ -42,9 +45,11 @@ private:
     KeyboardModifiers m_keyboard;
     xcb_connection_t *m_connection;
     xcb_window_t m_root;
-    uint8_t m_xkbEvent = 0; // 0 without the extension
-    xcb_keycode_t m_releasedKey = 0;
-    xcb_timestamp_t m_releaseTime = 0;
+    uint8_t m_xkbEvent = 0;            // 0 without the extension
+    uint8_t m_inputOpcode = 0;         // of the input extension, 0 without
+    xcb_keycode_t m_heldKey = 0;       // the last shortcut's key, as long as it may be down
+    xcb_timestamp_t m_releaseTime = 0; // of a release under the grab, 0 for none
+    bool m_isWatching = false;         // for a release outside the grab
     bool m_renewalPending = false;
     QObject m_context; // ends deferred work with us
 };

@@ -24,7 +24,6 @@ public:
 
     /// Any thread, as its members.
     FrontWindow &frontWindow() { return m_frontWindow; }
-    DesktopEntries &desktopEntries() { return m_desktopEntries; }
 
     bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;
 

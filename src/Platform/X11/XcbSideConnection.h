@@ -20,7 +20,6 @@ public:
     ~XcbSideConnection();
     XcbSideConnection(const XcbSideConnection &) = delete;
 
-    [[nodiscard]] std::unique_lock<std::timed_mutex> lock() { return std::unique_lock(m_mutex); }
     std::timed_mutex &mutex() { return m_mutex; }
 
     /// Null when there is no X server.

@@ -170,7 +170,7 @@ TEST_F(SecretStoreTest, WithoutAServiceTheFileServes)
         if (!hasBus)
             qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
         LinuxSecretStore store(file, platform.systemLog());
-        expectItem(store, a, Status::NotFound);
+        expectItem(store, a, Status::Unavailable);
         EXPECT_TRUE(store.add(service, a, "key"));
         LinuxSecretStore again(file, platform.systemLog());
         expectItem(again, a, Status::Found, "key");

@@ -176,6 +176,7 @@ TEST_F(SecretStoreTest, WithoutAServiceTheFileServes)
         expectItem(again, a, Status::Found, "key");
         EXPECT_TRUE(again.remove(service, a));
         expectItem(store, a, Status::NotFound);
+        QFile::remove(file);
     }
 }
 

@@ -2,6 +2,7 @@
 #include "Endpoints.h"
 #include "Platform/Clock.h"
 #include "Platform/Platform.h"
+#include "Platform/SystemLog.h"
 #include "Platform/UserDefaults.h"
 #include "ProviderKeys.h"
 #include "Settings.h"
@@ -44,9 +45,18 @@ void Settings::loadProviders()
         providers.announce(list);
     });
 
-    const UserDefaults &defaults = Platform::current().userDefaults();
-    auto list = ProviderConfig::listFromJson(defaults.document(providersKey).value_or(QJsonValue()));
+    UserDefaults &defaults = Platform::current().userDefaults();
+    const auto storedList = defaults.document(providersKey);
+    auto list = ProviderConfig::listFromJson(storedList.value_or(QJsonValue()));
     if (!list || list->isEmpty()) {
+        // One slip in a file edited by hand must not cost all engines.
+        if (!list && storedList) {
+            defaults.set(providersKey + QStringLiteral(".unreadable"), *storedList);
+            Platform::current().systemLog().write(
+                QStringLiteral(
+                    "Tovi: the stored engines are not understood; they are kept as \"%1.unreadable\"")
+                    .arg(providersKey));
+        }
         migrateLegacyProviders();
         return;
     }

@@ -122,6 +122,8 @@ TEST_F(SettingsTest, ValuesOfAWrongTypeReadAsTheirDefaults)
         Settings fresh;
         expectDefaults(fresh);
     }
+    EXPECT_EQ(values.value(QStringLiteral("providers.unreadable")), QJsonValue(QJsonObject()))
+        << "engines that were not understood are lost";
     values.insert(QStringLiteral("requestTimeout"), true);
     values.insert(QStringLiteral("ocrEnabled"), 0);
     values.insert(QStringLiteral("resultFontSize"), QStringLiteral("30"));

@@ -12,6 +12,7 @@ namespace tovi {
 class Accessibility;
 class Application;
 class Clock;
+class EventMonitors;
 class HotKeyCenter;
 class LoginItem;
 class NotificationCenter;
@@ -39,6 +40,7 @@ public:
     virtual Accessibility &accessibility() = 0;
     virtual Application &application() = 0;
     virtual Clock &clock() = 0;
+    virtual EventMonitors &eventMonitors() = 0;
     virtual HotKeyCenter &hotKeyCenter() = 0;
     virtual LoginItem &loginItem() = 0;
     virtual NotificationCenter &notificationCenter() = 0;

@@ -9,6 +9,7 @@
 
 #include "Platform/Accessibility.h"
 #include "Platform/Application.h"
+#include "Platform/EventMonitors.h"
 #include "Platform/HotKeyCenter.h"
 #include "Platform/LoginItem.h"
 #include "Platform/NotificationCenter.h"
@@ -64,6 +65,15 @@ struct TestWorkspace final : Workspace
     std::optional<RunningApplication> frontmost;
     QList<Screen> screenList{{QRectF(0, 0, 1440, 900), QRectF(0, 0, 1440, 870), 1.0, 1}};
     std::optional<QPointF> mouse = QPointF(700, 450);
+};
+
+struct TestEventMonitors final : EventMonitors
+{
+    Subscription addGlobalMouseDownMonitor(std::function<void()> handler) override
+    {
+        return mouseDown.subscribe(std::move(handler));
+    }
+    Subject<> mouseDown; ///< emit it for a click in another application
 };
 
 struct TestHotKeyCenter final : HotKeyCenter
@@ -199,6 +209,7 @@ public:
     TestAccessibility &accessibility() override { return m_accessibility; }
     TestApplication &application() override { return m_application; }
     TestClock &clock() override { return m_clock; }
+    TestEventMonitors &eventMonitors() override { return m_eventMonitors; }
     TestHotKeyCenter &hotKeyCenter() override { return m_hotKeyCenter; }
     TestLoginItem &loginItem() override { return m_loginItem; }
     NotificationCenter &notificationCenter() override { return m_notificationCenter; }
@@ -219,6 +230,7 @@ private:
     TestAccessibility m_accessibility;
     TestApplication m_application;
     TestClock m_clock;
+    TestEventMonitors m_eventMonitors;
     TestHotKeyCenter m_hotKeyCenter;
     TestLoginItem m_loginItem;
     NotificationCenter m_notificationCenter;

@@ -10,22 +10,20 @@
 #include <xcb/xkb.h>
 #undef explicit
 
-#include <xcb/xinput.h>
-
 #include "Platform/Linux/VirtualKeyCodes.h"
+#include "Platform/X11/X11RawInput.h"
 #include "Platform/X11/Xcb.h"
 
 namespace tovi {
 
-X11HotKeyCenter::X11HotKeyCenter()
-    : m_connection(QtXcb::connection())
+X11HotKeyCenter::X11HotKeyCenter(X11RawInput &rawInput)
+    : m_rawInput(rawInput)
+    , m_connection(QtXcb::connection())
     , m_root(QtXcb::root())
 {
     m_keyboard = KeyboardModifiers::read(m_connection);
     if (const auto *xkb = xcb_get_extension_data(m_connection, &xcb_xkb_id); xkb && xkb->present)
         m_xkbEvent = xkb->first_event;
-    if (const auto *input = xcb_get_extension_data(m_connection, &xcb_input_id); input && input->present)
-        m_inputOpcode = input->major_opcode;
     QCoreApplication::instance()->installNativeEventFilter(this);
 }
 
@@ -102,10 +100,6 @@ bool X11HotKeyCenter::nativeEventFilter(const QByteArray &eventType, void *messa
         const auto *release = static_cast<const xcb_key_release_event_t *>(message);
         if (release->detail == m_heldKey && release->event == m_root)
             m_releaseTime = release->time;
-    } else if (type == XCB_GE_GENERIC) {
-        const auto *raw = static_cast<const xcb_input_raw_key_release_event_t *>(message);
-        if (raw->extension == m_inputOpcode && raw->event_type == XCB_INPUT_RAW_KEY_RELEASE)
-            released(raw->detail);
     } else if (type == XCB_MAPPING_NOTIFY || (m_xkbEvent && type == m_xkbEvent)) {
         // XKB's events carry their kind in the second byte.
         const bool map = type == XCB_MAPPING_NOTIFY || event->pad0 == XCB_XKB_MAP_NOTIFY ||
@@ -126,7 +120,7 @@ void X11HotKeyCenter::pressed(const xcb_key_press_event_t &event)
     // A key that is held down is pressed again after no release, or, now that its repetition has brought the
     // grab back, released and pressed in the same millisecond.
     if (event.detail == m_heldKey && (!m_releaseTime || event.time == m_releaseTime)) {
-        watchReleases(false);
+        m_releases.reset();
         return;
     }
     const uint16_t state = event.state & m_keyboard.relevant();
@@ -145,40 +139,23 @@ void X11HotKeyCenter::pressed(const xcb_key_press_event_t &event)
 /// on the key for longer than a capture takes.
 void X11HotKeyCenter::letGo(const xcb_key_press_event_t &event)
 {
-    if (!m_inputOpcode)
+    if (!m_rawInput.isPresent())
         return;
     m_heldKey = event.detail;
     m_releaseTime = 0;
-    watchReleases(true);
+    const auto released = [this](quint32 keycode) {
+        if (keycode == m_heldKey) {
+            m_heldKey = 0;
+            m_releases.reset();
+        }
+    };
+    m_releases = m_rawInput.watch(X11RawInput::Kind::KeyRelease, released);
     xcb_ungrab_keyboard(m_connection, event.time);
     const XcbOwned<xcb_query_keymap_reply_t> keys(
         xcb_query_keymap_reply(m_connection, xcb_query_keymap(m_connection), nullptr));
     const bool isDown = keys && (keys->keys[event.detail / 8] & (1 << event.detail % 8));
     if (!isDown)
         released(event.detail);
-}
-
-void X11HotKeyCenter::released(uint32_t keycode)
-{
-    if (!m_heldKey || keycode != m_heldKey)
-        return;
-    m_heldKey = 0;
-    watchReleases(false);
-}
-
-void X11HotKeyCenter::watchReleases(bool on)
-{
-    if (std::exchange(m_isWatching, on) == on)
-        return;
-    // Qt's own choice of events is made for all devices, and stays.
-    const struct
-    {
-        xcb_input_event_mask_t head;
-        uint32_t mask;
-    } choice{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
-             on ? uint32_t{XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE} : uint32_t{0}};
-    xcb_input_xi_select_events(m_connection, m_root, 1, &choice.head);
-    xcb_flush(m_connection);
 }
 
 void X11HotKeyCenter::keyboardChanged()

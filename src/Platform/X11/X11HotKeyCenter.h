@@ -7,16 +7,19 @@
 #include <QObject>
 
 #include "Platform/HotKeyCenter.h"
+#include "Platform/Subscription.h"
 #include "Platform/X11/KeyboardModifiers.h"
 
 namespace tovi {
+
+class X11RawInput;
 
 /// Shortcuts as passive key grabs on the root window, by the key's position on the keyboard, whatever the
 /// layout and the state of the lock keys. Works on Qt's connection. Main thread.
 class X11HotKeyCenter final : public HotKeyCenter, public QAbstractNativeEventFilter
 {
 public:
-    X11HotKeyCenter();
+    explicit X11HotKeyCenter(X11RawInput &rawInput);
     ~X11HotKeyCenter() override;
 
     void setHandler(Handler handler) override { m_handler = std::move(handler); }
@@ -36,20 +39,18 @@ private:
     void ungrab(Grab &grab) const;
     void pressed(const xcb_key_press_event_t &event);
     void letGo(const xcb_key_press_event_t &event);
-    void released(uint32_t keycode);
-    void watchReleases(bool on);
     void keyboardChanged();
 
+    X11RawInput &m_rawInput;
     Handler m_handler;
     std::map<quint32, Grab> m_grabs;
     KeyboardModifiers m_keyboard;
     xcb_connection_t *m_connection;
     xcb_window_t m_root;
     uint8_t m_xkbEvent = 0;            // 0 without the extension
-    uint8_t m_inputOpcode = 0;         // of the input extension, 0 without
     xcb_keycode_t m_heldKey = 0;       // the last shortcut's key, as long as it may be down
     xcb_timestamp_t m_releaseTime = 0; // of a release under the grab, 0 for none
-    bool m_isWatching = false;         // for a release outside the grab
+    Subscription m_releases;           // outside the grab, while the key is held
     bool m_renewalPending = false;
     QObject m_context; // ends deferred work with us
 };

@@ -16,9 +16,11 @@
 #include "Platform/Linux/XdgLoginItem.h"
 #include "Platform/NotificationCenter.h"
 #include "Platform/X11/ScreenGeometry.h"
+#include "Platform/X11/X11EventMonitors.h"
 #include "Platform/X11/X11HotKeyCenter.h"
 #include "Platform/X11/X11PanelHost.h"
 #include "Platform/X11/X11Pasteboard.h"
+#include "Platform/X11/X11RawInput.h"
 #include "Platform/X11/X11ScreenCapture.h"
 #include "Platform/X11/X11Workspace.h"
 #include "Platform/X11/XcbPrimarySelection.h"
@@ -78,7 +80,9 @@ struct X11Platform::Services
     LinuxSecretStore secretStore{secretsFile(), systemLog};
     XdgLoginItem loginItem;
     X11Workspace workspace;
-    X11HotKeyCenter hotKeyCenter;
+    X11RawInput rawInput;
+    X11HotKeyCenter hotKeyCenter{rawInput};
+    X11EventMonitors eventMonitors{rawInput};
     X11Pasteboard pasteboard;
     X11ScreenCapture screenCapture;
     X11PanelHost panelHost{workspace.frontWindow(), clock};
@@ -125,6 +129,11 @@ Application &X11Platform::application()
 Clock &X11Platform::clock()
 {
     return m_services->clock;
+}
+
+EventMonitors &X11Platform::eventMonitors()
+{
+    return m_services->eventMonitors;
 }
 
 HotKeyCenter &X11Platform::hotKeyCenter()

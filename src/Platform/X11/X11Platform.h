@@ -23,6 +23,7 @@ public:
     Accessibility &accessibility() override;
     Application &application() override;
     Clock &clock() override;
+    EventMonitors &eventMonitors() override;
     HotKeyCenter &hotKeyCenter() override;
     LoginItem &loginItem() override;
     NotificationCenter &notificationCenter() override;

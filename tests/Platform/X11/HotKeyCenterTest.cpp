@@ -6,6 +6,7 @@
 #include "HotKey.h"
 #include "Platform/X11/LiveDesktop.h"
 #include "Platform/X11/X11HotKeyCenter.h"
+#include "Platform/X11/X11RawInput.h"
 #include "Support/TestClock.h"
 
 namespace tovi {
@@ -31,7 +32,8 @@ struct HotKeys : testing::Test
         return std::exchange(presses, {}) == expected;
     }
     OtherClient user;
-    X11HotKeyCenter center;
+    X11RawInput rawInput;
+    X11HotKeyCenter center{rawInput};
     QList<quint32> presses;
 };
 

@@ -178,8 +178,10 @@ void ScriptedServer::serve(int descriptor, int number)
             while (serveOne(socket, number)) {
             }
         }
+        // Before the socket closes it: the number may be another's then.
         const std::scoped_lock lock(m_mutex);
         m_open.erase(descriptor);
+        socket.abort();
     }
 }
 

@@ -87,9 +87,9 @@ QString demonstrateWeb(const QString &tovi, const QString &screenshot)
 {
     Services services;
     const QFileInfo file(screenshot);
-    const auto save = [&](const DemoStage &stage, const char *scene) {
-        const QString path = file.dir().filePath(file.completeBaseName() + u'-' + QLatin1String(scene) +
-                                                 QStringLiteral(".png"));
+    const auto save = [&](const DemoStage &stage, const QString &scene) {
+        const QString path =
+            file.dir().filePath(file.completeBaseName() + u'-' + scene + QStringLiteral(".png"));
         std::printf("screenshot:         %s\n", qPrintable(path));
         return stage.saveScreenshot(path);
     };
@@ -103,6 +103,7 @@ QString demonstrateWeb(const QString &tovi, const QString &screenshot)
     if (!stage.translateLine(0))
         return QStringLiteral("no piece of the streamed answer was painted");
     QString expected;
+    int scene = 0;
     for (const QString &piece : growth) {
         expected += piece;
         const bool isSeen =
@@ -110,7 +111,7 @@ QString demonstrateWeb(const QString &tovi, const QString &screenshot)
         std::printf("streamed so far:    %s\n", qPrintable(stage.texts().translation));
         if (!isSeen)
             return QStringLiteral("the panel did not show \"%1\"").arg(expected);
-        if (!save(stage, expected.size() < 25 ? "streaming" : "streamed"))
+        if (!save(stage, QStringLiteral("streaming%1").arg(++scene)))
             return QStringLiteral("the screenshot could not be saved");
         services.seen();
     }
@@ -126,7 +127,7 @@ QString demonstrateWeb(const QString &tovi, const QString &screenshot)
         }))
         return QStringLiteral("the fallback or its note was not shown: ") + stage.texts().translation;
     std::printf("refused key:        %s\n", qPrintable(stage.texts().translation.simplified()));
-    if (!save(stage, "fallback") || !stage.dismiss())
+    if (!save(stage, QStringLiteral("fallback")) || !stage.dismiss())
         return QStringLiteral("Esc did not close the panel");
 
     if (!stage.translateLine(2) || !stage.shows([](const QString &text) {
@@ -137,7 +138,8 @@ QString demonstrateWeb(const QString &tovi, const QString &screenshot)
         }))
         return QStringLiteral("the dictionary entry was not shown: ") + stage.texts().translation;
     std::printf("word:               %s\n", qPrintable(stage.texts().translation.simplified()));
-    return save(stage, "dictionary") ? QString() : QStringLiteral("the screenshot could not be saved");
+    return save(stage, QStringLiteral("dictionary")) ? QString()
+                                                     : QStringLiteral("the screenshot could not be saved");
 }
 
 } // namespace tovi

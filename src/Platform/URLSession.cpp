@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "Platform/URLSession.h"
 
+#include <algorithm>
+
+#include <qcorofuture.h>
+
 namespace tovi {
 
 QCoro::Task<QByteArray> URLTask::readAll(qsizetype limit)

@@ -37,6 +37,7 @@ public:
         cannotDecodeContentData,
         dataLengthExceedsMaximum,
         requestNotSendable, ///< a header holds what no header may
+        unavailable,        ///< this machine lacks what web requests need
     };
 
     explicit URLError(Code code)

@@ -12,7 +12,7 @@ namespace tovi {
 
 namespace {
 
-constexpr qsizetype longestAnswer = 4 * 1024 * 1024;
+constexpr qsizetype longestAnswer = 256 * 1024;
 constexpr int longestWord = 32; // user-perceived characters
 constexpr int mostWords = 2;
 constexpr int mostMeanings = 3;

@@ -13,7 +13,8 @@ namespace tovi {
 
 namespace {
 
-constexpr qsizetype longestAnswer = 16 * 1024 * 1024;
+// Decoded JSON takes up to fifty times the memory of its text.
+constexpr qsizetype longestAnswer = 2 * 1024 * 1024;
 
 URLRequest makeRequest(const QString &text, const QString &target, const QString &source)
 {

@@ -18,9 +18,10 @@ namespace tovi {
 
 namespace {
 
-constexpr qsizetype longestAnswer = 16 * 1024 * 1024;
-constexpr qsizetype longestErrorBody = 1024 * 1024;
-constexpr qsizetype longestStreamedText = 4 * 1024 * 1024; // UTF-16 units
+// Decoded JSON takes up to fifty times the memory of its text.
+constexpr qsizetype longestAnswer = 2 * 1024 * 1024;
+constexpr qsizetype longestErrorBody = 256 * 1024;
+constexpr qsizetype longestStreamedText = 1024 * 1024; // UTF-16 units
 
 TranslationError missing(const QString &message)
 {

@@ -79,6 +79,8 @@ QString messageFor(URLError::Code code)
         return QStringLiteral("The server's answer is too long");
     case Code::requestNotSendable:
         return QStringLiteral("The request holds a character that cannot be sent; check the API key");
+    case Code::unavailable:
+        return QStringLiteral("libcurl is not installed");
     case Code::unknown:
         break;
     }

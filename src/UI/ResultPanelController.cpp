@@ -3,16 +3,21 @@
 
 #include <utility>
 
+#include "Platform/EventMonitors.h"
 #include "Platform/Platform.h"
 #include "Platform/Workspace.h"
 #include "Settings.h"
 #include "UI/PanelPlacement.h"
 #include "UI/ResultView.h"
 #include "UI/ResultViewModel.h"
+#include "UI/TextHeightCache.h"
 
 namespace tovi {
 
 namespace {
+
+// The click that brought the panel up, or the one that follows it, is not meant to close it.
+constexpr std::chrono::milliseconds outsideMonitorDelay{250};
 
 Workspace &workspace()
 {
@@ -59,17 +64,53 @@ void ResultPanelController::show(std::shared_ptr<ResultViewModel> model, std::op
             self->setPinned(isPinned);
     };
     m_panel->onEscape = m_model->onClose;
+    enableDragging();
 
     resize();
     position(near);
     m_panel->orderFrontRegardless();
     m_panel->makeKey();
     m_view->focusContent();
+    m_monitorDelay =
+        Platform::current().clock().after(outsideMonitorDelay, [this] { installOutsideMonitor(); });
+}
+
+void ResultPanelController::installOutsideMonitor()
+{
+    if (!m_panel || m_isPinned || m_outsideMonitor)
+        return;
+    m_outsideMonitor =
+        Platform::current().eventMonitors().addGlobalMouseDownMonitor([weak = weak_from_this()] {
+            if (const auto self = weak.lock())
+                self->close();
+        });
+}
+
+void ResultPanelController::enableDragging()
+{
+    struct Drag
+    {
+        QPointF panel;
+        QPointF pointer;
+    };
+    const auto drag = std::make_shared<std::optional<Drag>>();
+    m_view->onDragBegan = [this, drag] {
+        if (const auto pointer = workspace().mouseLocation())
+            *drag = Drag{m_panel->frame().topLeft(), *pointer};
+    };
+    m_view->onDragMoved = [this, drag] {
+        const auto pointer = workspace().mouseLocation();
+        if (m_panel && *drag && pointer)
+            m_panel->setFrame(QRectF((*drag)->panel + *pointer - (*drag)->pointer, m_panel->frame().size()));
+    };
+    m_view->onDragEnded = [drag] { drag->reset(); };
 }
 
 void ResultPanelController::close()
 {
     auto panel = std::exchange(m_panel, nullptr);
+    m_monitorDelay.reset();
+    m_outsideMonitor.reset();
     if (const auto model = std::exchange(m_model, nullptr)) {
         if (const auto dismissed = std::exchange(model->onDismiss, nullptr))
             dismissed();
@@ -78,6 +119,8 @@ void ResultPanelController::close()
     if (!panel)
         return;
     panel->onEscape = nullptr;
+    if (m_view)
+        m_view->onDragBegan = m_view->onDragMoved = m_view->onDragEnded = nullptr;
     panel->orderOut();
     panel.reset();
     if (const auto closed = std::exchange(onClosed, nullptr))
@@ -87,6 +130,37 @@ void ResultPanelController::close()
 void ResultPanelController::setPinned(bool isPinned)
 {
     m_isPinned = isPinned;
+    if (isPinned)
+        m_outsideMonitor.reset();
+    else
+        installOutsideMonitor();
+}
+
+/// What the view will need, or more than any panel has.
+double ResultPanelController::contentHeight(double width) const
+{
+    const double textWidth = width - 28;
+    const double size = Settings::shared().resultFontSize;
+    const QFont normal = ResultView::textFont(size);
+    const QFont small = ResultView::textFont(std::max(size - 3, 10.0));
+    const QFont smaller = ResultView::textFont(std::max(size - 4, 10.0));
+    const auto measured = [textWidth](const QString &text, const QFont &font) {
+        return TextHeightCache::height(text, font, textWidth, PanelPlacement::maximumHeight);
+    };
+    double h = measured(m_model->sourceText, normal) + 30 + 12 + 1 + 20;
+    if (m_model->isLoading)
+        h += m_model->ocrProgress.get() ? 88 : 26;
+    if (!m_model->translatedText->isEmpty())
+        h += measured(m_model->translatedText, normal) + 8;
+    if (const auto &phonetic = m_model->phonetic.get(); phonetic && !phonetic->isEmpty())
+        h += measured(*phonetic, small) + 4;
+    for (const QString &meaning : m_model->meanings.get())
+        h += measured(QStringLiteral("· ") + meaning, small) + 4;
+    if (const auto &error = m_model->errorMessage.get())
+        h += measured(*error, small) + 4;
+    if (const auto &note = m_model->note.get())
+        h += measured(*note, smaller) + 4;
+    return h + 36;
 }
 
 void ResultPanelController::resize()
@@ -95,7 +169,7 @@ void ResultPanelController::resize()
         return;
     const double width = panelWidth();
     const QRectF old = m_panel->frame();
-    const double height = PanelPlacement::panelHeight(m_view->contentHeight(width), workspace().mainScreen());
+    const double height = PanelPlacement::panelHeight(contentHeight(width), workspace().mainScreen());
     m_panel->setFrame(QRectF(old.x(), old.y() - (height - old.height()), width, height));
     clampOnScreen();
 }

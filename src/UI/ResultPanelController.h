@@ -10,6 +10,7 @@
 
 #include "Platform/Clock.h"
 #include "Platform/PanelHost.h"
+#include "Platform/Subscription.h"
 
 namespace tovi {
 
@@ -37,12 +38,17 @@ public:
 
 private:
     void setPinned(bool isPinned);
+    void installOutsideMonitor();
+    void enableDragging();
+    double contentHeight(double width) const;
     void position(std::optional<QRectF> near);
     void clampOnScreen();
 
     std::unique_ptr<Panel> m_panel;
     QPointer<ResultView> m_view;
     std::shared_ptr<ResultViewModel> m_model;
+    Subscription m_outsideMonitor;
+    Subscription m_monitorDelay;
     bool m_isPinned = false;
 };
 

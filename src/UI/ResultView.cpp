@@ -1,37 +1,48 @@
 // SPDX-License-Identifier: MIT
 #include "UI/ResultView.h"
 
+#include <cmath>
 #include <utility>
 
+#include <QApplication>
 #include <QBoxLayout>
-#include <QKeyEvent>
-#include <QLabel>
-#include <QPlainTextEdit>
-#include <QTextEdit>
-#include <QTextLayout>
-#include <QToolButton>
+#include <QIcon>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
 
 #include "Localization.h"
+#include "Platform/Clock.h"
+#include "Platform/Platform.h"
 #include "Platform/Trace.h"
 #include "Settings.h"
-#include "UI/ResultViewModel.h"
+#include "TargetLanguage.h"
+#include "UI/Controls/IconButton.h"
+#include "UI/Controls/Lucide.h"
+#include "UI/Controls/PopupMenuButton.h"
+#include "UI/Controls/ProviderIcon.h"
+#include "UI/Controls/SystemColor.h"
+#include "UI/EditableTextView.h"
+#include "UI/PanelPlacement.h"
+#include "UI/ScrollableTextView.h"
+#include "UI/Spinner.h"
+#include "UI/TextHeightCache.h"
 
 namespace tovi {
 
 namespace {
 
-constexpr int sidePadding = 14;
+// Points. The text views have a rim of 2 of their own.
+constexpr int sidePadding = 12;
+constexpr int textPadding = 12;
+constexpr QSize smallButton(22, 22);
+constexpr QSize copyButton(24, 22);
+constexpr QSize speakButton(24, 24);
+constexpr double shortestSection = 84;
 
 QString t(Str key)
 {
     return Localization::shared().t(key);
-}
-
-QFont textFont(double pixels)
-{
-    QFont font;
-    font.setPixelSize(qRound(std::clamp(pixels, 8.0, 72.0)));
-    return font;
 }
 
 double resultFontSize()
@@ -39,121 +50,224 @@ double resultFontSize()
     return Settings::shared().resultFontSize;
 }
 
-double smallFontSize()
+/// A line between sections.
+class Divider final : public QWidget
 {
-    return std::max(resultFontSize() - 3, 10.0);
-}
-
-double noteFontSize()
-{
-    return std::max(resultFontSize() - 4, 10.0);
-}
-
-double textHeight(const QString &text, const QFont &font, double width)
-{
-    double height = 0;
-    QTextOption option;
-    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    for (const QString &paragraph : text.split(QLatin1Char('\n'))) {
-        QTextLayout layout(paragraph, font);
-        layout.setTextOption(option);
-        layout.beginLayout();
-        for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
-            line.setLineWidth(width);
-            height += line.height();
-        }
-        layout.endLayout();
+public:
+    explicit Divider(QWidget *parent)
+        : QWidget(parent)
+    {
+        setFixedHeight(1);
     }
-    return height;
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter(this).fillRect(rect(), SystemColor::separator(palette()));
+    }
+};
+
+/// The program's logo, sharp at every scale.
+class Logo final : public QWidget
+{
+public:
+    explicit Logo(QWidget *parent)
+        : QWidget(parent)
+    {
+        setFixedSize(24, 24);
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        static const QIcon logo(QStringLiteral(":/tovi/ToviLogo.svg"));
+        logo.paint(&painter, rect());
+    }
+};
+
+QBoxLayout *makeRow(QWidget *owner, int spacing, const QMargins &margins)
+{
+    auto *row = new QHBoxLayout(owner);
+    row->setSpacing(spacing);
+    row->setContentsMargins(margins);
+    return row;
 }
 
-QColor secondary(const QPalette &palette)
+QBoxLayout *makeColumn(QWidget *owner, int spacing = 0, const QMargins &margins = {})
 {
-    QColor color = palette.color(QPalette::WindowText);
-    color.setAlphaF(0.6F);
-    return color;
+    auto *column = new QVBoxLayout(owner);
+    column->setSpacing(spacing);
+    column->setContentsMargins(margins);
+    return column;
+}
+
+QLabel *makeStatusLabel(QWidget *owner, int pixels)
+{
+    auto *label = new QLabel(owner);
+    label->setFont(ResultView::textFont(pixels));
+    label->setTextFormat(Qt::PlainText);
+    return label;
+}
+
+QList<PopupMenuItem> languageItems(const QString &selected, const std::function<void(QString)> &choose)
+{
+    QList<PopupMenuItem> items;
+    for (const TargetLanguage language : TargetLanguages::all()) {
+        const QString code = TargetLanguages::rawValue(language);
+        items.append({TargetLanguages::ownName(code), code == selected, {}, std::bind_front(choose, code)});
+    }
+    return items;
 }
 
 } // namespace
+
+QFont ResultView::textFont(double pixels)
+{
+    QFont font;
+    // A size that no text can have must not cost more than an odd look.
+    font.setPixelSize(std::isfinite(pixels) ? int(std::lround(std::clamp(pixels, 1.0, 288.0))) : 15);
+    return font;
+}
 
 ResultView::ResultView(std::shared_ptr<ResultViewModel> model)
     : m_model(std::move(model))
 {
     setAccessibleName(QStringLiteral("Tovi"));
-
-    m_title = new QLabel(this);
-    m_title->setFont(textFont(12));
-    m_close = new QToolButton(this);
-    m_close->setAutoRaise(true);
-    m_close->setText(QStringLiteral("✕"));
-    m_close->setFixedSize(22, 22);
-    connect(m_close, &QToolButton::clicked, this, [this] {
-        if (const auto close = m_model->onClose)
-            close();
-    });
-
-    m_source = new QPlainTextEdit(this);
-    m_source->setFrameShape(QFrame::NoFrame);
-    m_source->setFont(textFont(resultFontSize()));
-    m_source->setTabChangesFocus(true);
-    m_source->document()->setDocumentMargin(0);
-    m_source->installEventFilter(this);
-    connect(m_source, &QPlainTextEdit::textChanged, this, [this] {
-        if (!m_isRefreshing)
-            m_model->sourceText = m_source->toPlainText();
-    });
-
-    m_translation = new QTextEdit(this);
-    m_translation->setFrameShape(QFrame::NoFrame);
-    m_translation->setReadOnly(true);
-    m_translation->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    m_translation->setCursorWidth(0);
-    m_translation->document()->setDocumentMargin(0);
-
-    m_engine = new QLabel(this);
-    m_engine->setFont(textFont(13));
-    m_copy = new QToolButton(this);
-    m_copy->setAutoRaise(true);
-    connect(m_copy, &QToolButton::clicked, this, [this] { m_model->copyResult(); });
-
-    for (QAbstractScrollArea *area :
-         {static_cast<QAbstractScrollArea *>(m_source), static_cast<QAbstractScrollArea *>(m_translation)}) {
-        area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-        area->viewport()->setAutoFillBackground(false);
-    }
-    QPalette secondaryText = palette();
-    secondaryText.setColor(QPalette::WindowText, secondary(palette()));
-    m_title->setPalette(secondaryText);
-    m_engine->setPalette(secondaryText);
-
-    auto *header = new QHBoxLayout;
-    header->setContentsMargins(sidePadding, 8, 10, 4);
-    header->addWidget(m_title, 1);
-    header->addWidget(m_close);
-    auto *line = new QFrame(this);
-    line->setFrameShape(QFrame::HLine);
-    line->setForegroundRole(QPalette::Mid);
-    auto *footer = new QHBoxLayout;
-    footer->setContentsMargins(10, 4, sidePadding, 8);
-    footer->addWidget(m_copy);
-    footer->addStretch(1);
-    footer->addWidget(m_engine);
-    auto *column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(0);
-    column->addLayout(header);
-    auto *texts = new QVBoxLayout;
-    texts->setContentsMargins(sidePadding, 0, sidePadding, 0);
-    texts->setSpacing(8);
-    texts->addWidget(m_source, 2);
-    texts->addWidget(line);
-    texts->addWidget(m_translation, 3);
-    column->addLayout(texts, 1);
-    column->addLayout(footer);
+    m_header = makeHeader();
+    m_sourceSection = makeSourceSection();
+    m_divider = new Divider(this);
+    QWidget *translation = makeTranslationSection();
+    m_footer = makeFooter();
+    QBoxLayout *column = makeColumn(this);
+    column->addWidget(m_header);
+    column->addWidget(m_sourceSection);
+    column->addWidget(m_divider);
+    column->addWidget(translation, 1);
+    column->addWidget(m_footer);
 
     m_modelChanges = m_model->onWillChange([this] { scheduleRefresh(); });
     m_languageChanges = Localization::shared().onWillChange([this] { scheduleRefresh(); });
     refresh();
+}
+
+QWidget *ResultView::makeHeader()
+{
+    auto *header = new QWidget(this);
+    m_pin = new IconButton(smallButton, header);
+    auto *logo = new Logo(header);
+    m_close = new IconButton(smallButton, header);
+    QBoxLayout *row = makeRow(header, 6, QMargins(sidePadding, 8, sidePadding, 4));
+    row->addWidget(m_pin);
+    row->addStretch(1);
+    row->addWidget(logo);
+    row->addStretch(1);
+    row->addWidget(m_close);
+    for (QWidget *part : {header, static_cast<QWidget *>(m_pin), static_cast<QWidget *>(logo),
+                          static_cast<QWidget *>(m_close)})
+        part->installEventFilter(this);
+    connect(m_pin, &IconButton::clicked, this, [this] {
+        m_model->isPinned = !m_model->isPinned;
+        if (const auto toggle = m_model->onTogglePin)
+            toggle(m_model->isPinned);
+    });
+    connect(m_close, &IconButton::clicked, this, [this] {
+        if (const auto close = m_model->onClose)
+            close();
+    });
+    return header;
+}
+
+QWidget *ResultView::makeSourceSection()
+{
+    auto *section = new QWidget(this);
+    m_sourceLanguage = new PopupMenuButton(section);
+    m_speakSource = new IconButton(speakButton, section);
+    m_source = new EditableTextView(section);
+    QBoxLayout *row = makeRow(nullptr, 8, QMargins(sidePadding, 2, sidePadding, 0));
+    row->addWidget(m_sourceLanguage);
+    row->addStretch(1);
+    row->addWidget(m_speakSource);
+    QBoxLayout *text = makeRow(nullptr, 0, QMargins(textPadding, 0, textPadding, 6));
+    text->addWidget(m_source);
+    QBoxLayout *column = makeColumn(section);
+    column->addLayout(row);
+    column->addLayout(text, 1);
+    connect(m_source, &EditableTextView::edited, this,
+            [this](const QString &edited) { m_model->sourceText = edited; });
+    connect(m_source, &EditableTextView::submitted, this, [this] {
+        if (const auto submit = m_model->onSubmitSource)
+            submit();
+    });
+    connect(m_speakSource, &IconButton::clicked, this,
+            [this] { m_model->toggleSpeech(SpeakingTarget::source, m_model->sourceText); });
+    return section;
+}
+
+QWidget *ResultView::makeTranslationSection()
+{
+    auto *section = new QWidget(this);
+    m_statusView = makeStatusView();
+    m_resultView = new QWidget(section);
+    m_targetRow = new QWidget(m_resultView);
+    QSizePolicy keepsItsPlace = m_targetRow->sizePolicy();
+    keepsItsPlace.setRetainSizeWhenHidden(true);
+    m_targetRow->setSizePolicy(keepsItsPlace);
+    m_targetLanguage = new PopupMenuButton(m_targetRow);
+    m_speakTranslation = new IconButton(speakButton, m_targetRow);
+    m_translation = new ScrollableTextView(m_resultView);
+    QBoxLayout *row = makeRow(m_targetRow, 8, QMargins(sidePadding, 2, sidePadding, 0));
+    row->addWidget(m_targetLanguage);
+    row->addStretch(1);
+    row->addWidget(m_speakTranslation);
+    QBoxLayout *text = makeRow(nullptr, 0, QMargins(textPadding, 0, textPadding, 6));
+    text->addWidget(m_translation);
+    QBoxLayout *result = makeColumn(m_resultView);
+    result->addWidget(m_targetRow);
+    result->addLayout(text, 1);
+    QBoxLayout *column = makeColumn(section);
+    column->addWidget(m_statusView);
+    column->addWidget(m_resultView, 1);
+    connect(m_speakTranslation, &IconButton::clicked, this,
+            [this] { m_model->toggleSpeech(SpeakingTarget::translation, m_model->translatedText); });
+    connect(m_translation, &ScrollableTextView::painted, this, [this] { tracePaint(); });
+    return section;
+}
+
+QWidget *ResultView::makeStatusView()
+{
+    auto *status = new QWidget(this);
+    m_phase = makeStatusLabel(status, 12);
+    m_elapsed = makeStatusLabel(status, 12);
+    QFont digits = m_elapsed->font();
+    digits.setFixedPitch(true);
+    m_elapsed->setFont(digits);
+    m_waitHint = makeStatusLabel(status, 11);
+    m_waitHint->setWordWrap(true);
+    QBoxLayout *row = makeRow(nullptr, 8, {});
+    row->addWidget(new Spinner(status));
+    row->addWidget(m_phase);
+    row->addWidget(m_elapsed);
+    row->addStretch(1);
+    QBoxLayout *column = makeColumn(status, 8, QMargins(14, 10, 14, 10));
+    column->addLayout(row);
+    column->addWidget(m_waitHint);
+    column->addStretch(1);
+    return status;
+}
+
+QWidget *ResultView::makeFooter()
+{
+    auto *footer = new QWidget(this);
+    m_copy = new IconButton(copyButton, footer);
+    m_engine = new PopupMenuButton(footer);
+    m_engine->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
+    QBoxLayout *row = makeRow(footer, 10, QMargins(sidePadding, 8, sidePadding, 8));
+    row->addWidget(m_copy);
+    row->addStretch(1);
+    row->addWidget(m_engine);
+    connect(m_copy, &IconButton::clicked, this, [this] { m_model->copyResult(); });
+    return footer;
 }
 
 void ResultView::scheduleRefresh()
@@ -173,73 +287,177 @@ void ResultView::scheduleRefresh()
 void ResultView::refresh()
 {
     m_isRefreshing = true;
-    retranslate();
-    m_title->setText(m_model->isInputPanel ? t(Str::menuInput) : QStringLiteral("Tovi"));
-    if (m_source->toPlainText() != m_model->sourceText.get())
-        m_source->setPlainText(m_model->sourceText);
-    m_engine->setText(m_model->providerName.get().value_or(m_model->currentProviderName()));
-    m_copy->setText(m_model->didCopy ? QStringLiteral("✓") : t(Str::resultCopy));
-    showTranslation();
+    refreshHeader();
+    refreshMenus();
+    refreshSource();
+    refreshTranslation();
+    refreshStatus();
+    refreshFooter();
+    layOutSections();
     m_isRefreshing = false;
-    update();
 }
 
-void ResultView::retranslate()
+void ResultView::refreshHeader()
 {
-    m_close->setToolTip(t(Str::resultClose));
-    m_close->setAccessibleName(t(Str::resultClose));
-    m_copy->setToolTip(t(Str::resultCopy));
-    m_copy->setAccessibleName(t(Str::resultCopy));
-    m_source->setAccessibleName(t(Str::sourceLanguage));
-    m_translation->setAccessibleName(t(Str::menuTranslateTo));
-    m_engine->setAccessibleName(t(Str::engine));
+    const bool isPinned = m_model->isPinned;
+    m_pin->setIcon(QStringLiteral("LucidePin"), QString::fromLatin1(isPinned ? "pin.fill" : "pin"), 16,
+                   isPinned ? SystemColor::red(palette()) : QColor());
+    m_pin->setCheckable(true);
+    m_pin->setChecked(isPinned);
+    m_pin->setHelp(t(Str::resultPin));
+    m_close->setIcon(QStringLiteral("xmark"), 13, {}, IconWeight::semibold);
+    m_close->setHoverColor(SystemColor::red(palette()));
+    m_close->setHelp(t(Str::resultClose));
 }
 
-void ResultView::showTranslation()
+void ResultView::refreshMenus()
 {
-    const QColor primary = palette().color(QPalette::WindowText);
-    QTextDocument *document = m_translation->document();
-    document->clear();
-    QTextCursor cursor(document);
-    const auto append = [&](const QString &text, double size, const QColor &color) {
-        if (text.isEmpty())
-            return;
-        QTextCharFormat format;
-        format.setFont(textFont(size));
-        format.setForeground(color);
-        if (!document->isEmpty())
-            cursor.insertBlock();
-        cursor.insertText(text, format);
+    const Localization &localization = Localization::shared();
+    const QString wanted = QStringList{m_model->sourceLanguage, m_model->targetLanguage,
+                                       canonicalText(m_model->currentProviderID),
+                                       m_model->providerName.get().value_or(QString()),
+                                       QString::number(int(localization.resolvedLanguage()))}
+                               .join(u'\n');
+    if (std::exchange(m_shownMenus, wanted) == wanted)
+        return;
+    const QString chevron = QStringLiteral("chevron.down");
+    const QString automatic = QStringLiteral("auto");
+    const auto chooseSource = [this](const QString &code) { m_model->selectSourceLanguage(code); };
+    const auto chooseTarget = [this](const QString &code) { m_model->selectLanguage(code); };
+    QList<PopupMenuItem> sources = languageItems(m_model->sourceLanguage, chooseSource);
+    sources.prepend({t(Str::autoDetect),
+                     m_model->sourceLanguage.get() == automatic,
+                     {},
+                     std::bind_front(chooseSource, automatic)});
+    m_sourceLanguage->setContent(m_model->currentSourceLanguageName(), chevron, {}, sources);
+    m_sourceLanguage->setHelp(t(Str::sourceLanguage));
+    m_targetLanguage->setContent(m_model->currentLanguageName(), chevron, {},
+                                 languageItems(m_model->targetLanguage, chooseTarget));
+    m_targetLanguage->setHelp(t(Str::menuTranslateTo));
+
+    QList<PopupMenuItem> engines;
+    for (const ProviderConfig &engine : std::as_const(m_model->providers)) {
+        engines.append({engine.displayName(), engine.id == m_model->currentProviderID.get(),
+                        ProviderIcon::image(engine.iconIdentifier()),
+                        [this, id = engine.id] { m_model->selectProvider(id); }});
+    }
+    m_engine->setContent(m_model->providerName.get().value_or(m_model->currentProviderName()),
+                         QStringLiteral("chevron.up.chevron.down"),
+                         ProviderIcon::image(m_model->currentProviderIcon()), engines);
+    m_engine->setHelp(t(Str::providerDefaultEngine));
+
+    const auto named = [](const QString &what, const QString &which) {
+        return what + QStringLiteral(": ") + which;
     };
-    if (m_model->translatedText->isEmpty() && m_model->isLoading) {
-        append(t(Str::resultTranslating), 12, secondary(palette()));
+    m_source->setAccessibleName(named(t(Str::sourceLanguage), m_model->currentSourceLanguageName()));
+    m_translation->setAccessibleName(named(t(Str::menuTranslateTo), m_model->currentLanguageName()));
+}
+
+void ResultView::refreshSource()
+{
+    const QFont font = textFont(resultFontSize());
+    if (m_source->font() != font)
+        m_source->setFont(font);
+    m_source->setText(m_model->sourceText);
+    const bool isShown = !m_model->sourceText->isEmpty() || m_model->isInputPanel;
+    m_sourceSection->setVisible(isShown);
+    m_divider->setVisible(isShown);
+    refreshSpeakButton(*m_speakSource, SpeakingTarget::source, Str::resultSpeakSource);
+}
+
+void ResultView::refreshSpeakButton(IconButton &button, SpeakingTarget target, Str help)
+{
+    const bool speaks = m_model->speakingTarget.get() == target;
+    button.setIcon(QStringLiteral("LucideVolume"),
+                   QString::fromLatin1(speaks ? "speaker.wave.2.fill" : "speaker.wave.2"), 15,
+                   speaks ? SystemColor::accent(palette()) : QColor());
+    button.setHelp(t(help));
+}
+
+void ResultView::refreshTranslation()
+{
+    const bool showsStatus =
+        m_model->translatedText->isEmpty() && (m_model->ocrProgress.get() || m_model->isLoading);
+    m_statusView->setVisible(showsStatus);
+    m_resultView->setVisible(!showsStatus);
+    m_targetRow->setVisible(!m_model->translatedText->isEmpty() || m_model->isInputPanel);
+    m_translation->setAttributedText(translationAttributed());
+    refreshSpeakButton(*m_speakTranslation, SpeakingTarget::translation, Str::resultSpeakTranslation);
+    m_showsResult = !m_model->isLoading;
+}
+
+AttributedText ResultView::translationAttributed() const
+{
+    const double size = resultFontSize();
+    const QFont small = textFont(std::max(size - 3, 10.0));
+    const QFont smaller = textFont(std::max(size - 4, 10.0));
+    const QColor secondary = SystemColor::secondaryLabel(palette());
+    AttributedText text;
+    text.append(m_model->translatedText, textFont(size), SystemColor::label(palette()));
+    text.append(m_model->phonetic.get().value_or(QString()), small, secondary, 6);
+    for (const QString &meaning : m_model->meanings.get())
+        text.append(QStringLiteral("· ") + meaning, small, secondary, 4);
+    text.append(m_model->errorMessage.get().value_or(QString()), small, SystemColor::red(palette()), 6);
+    text.append(m_model->note.get().value_or(QString()), smaller, SystemColor::orange(palette()), 6);
+    return text;
+}
+
+void ResultView::refreshStatus()
+{
+    QPalette secondary = palette();
+    secondary.setColor(QPalette::WindowText, SystemColor::secondaryLabel(palette()));
+    for (QLabel *label : {m_phase, m_elapsed, m_waitHint})
+        label->setPalette(secondary);
+    const auto &progress = m_model->ocrProgress.get();
+    const auto &started = m_model->ocrStartedAt.get();
+    const bool recognizes = progress && started;
+    m_elapsed->setVisible(recognizes);
+    m_waitHint->setVisible(recognizes);
+    if (!recognizes) {
+        m_tick.reset();
+        m_phase->setText(t(Str::resultTranslating));
         return;
     }
-    append(m_model->translatedText, resultFontSize(), primary);
-    append(m_model->phonetic.get().value_or(QString()), smallFontSize(), secondary(palette()));
-    for (const QString &meaning : m_model->meanings.get())
-        append(QStringLiteral("· ") + meaning, smallFontSize(), secondary(palette()));
-    append(m_model->errorMessage.get().value_or(QString()), smallFontSize(), QColor(0xe0, 0x3e, 0x36));
-    append(m_model->note.get().value_or(QString()), noteFontSize(), QColor(0xd9, 0x82, 0x00));
+    m_phase->setText(t(*progress == OCRProgress::recognizing ? Str::ocrRecognizing : Str::ocrCapturing));
+    const double elapsed = seconds(Platform::current().clock().now() - *started);
+    m_elapsed->setText(
+        formatted(t(Str::ocrElapsed), {QString::number(std::max(qint64(elapsed), qint64(0)))}));
+    m_waitHint->setText(t(Str::ocrWaitHint));
+    scheduleTick();
 }
 
-double ResultView::contentHeight(double width) const
+/// The next whole second since the recognition began.
+void ResultView::scheduleTick()
 {
-    const double textWidth = width - 2 * sidePadding;
-    double h = textHeight(m_model->sourceText, textFont(resultFontSize()), textWidth) + 30 + 12 + 1 + 20;
-    if (m_model->isLoading)
-        h += m_model->ocrProgress.get() ? 88 : 26;
-    const auto add = [&](const QString &text, double size, double extra) {
-        if (!text.isEmpty())
-            h += textHeight(text, textFont(size), textWidth) + extra;
-    };
-    add(m_model->translatedText, resultFontSize(), 8);
-    add(m_model->phonetic.get().value_or(QString()), smallFontSize(), 4);
-    for (const QString &meaning : m_model->meanings.get())
-        add(QStringLiteral("· ") + meaning, smallFontSize(), 4);
-    add(m_model->errorMessage.get().value_or(QString()), smallFontSize(), 4);
-    add(m_model->note.get().value_or(QString()), noteFontSize(), 4);
-    return h + 36;
+    using namespace std::chrono_literals;
+    Clock &clock = Platform::current().clock();
+    const auto elapsed = clock.now() - *m_model->ocrStartedAt.get();
+    m_tick = clock.after(1s - elapsed % 1s, [this] { refreshStatus(); });
+}
+
+void ResultView::refreshFooter()
+{
+    const bool didCopy = m_model->didCopy;
+    m_copy->setIcon(QString::fromLatin1(didCopy ? "checkmark" : "square.on.square"), 13,
+                    didCopy ? SystemColor::green(palette()) : QColor(),
+                    didCopy ? IconWeight::semibold : IconWeight::regular);
+    m_copy->setHelp(t(Str::resultCopy));
+    m_footer->setEnabled(!m_model->ocrProgress.get());
+}
+
+double ResultView::sourceSectionHeight(double available) const
+{
+    const double most = std::max(0.45 * available, shortestSection);
+    const double width = PanelPlacement::panelWidth(Settings::shared().resultPanelWidth) - 28;
+    const double text =
+        TextHeightCache::height(m_model->sourceText, textFont(resultFontSize()), width, most) + 38;
+    return std::min(most, std::max(text, shortestSection));
+}
+
+void ResultView::layOutSections()
+{
+    const double available = height() - m_header->sizeHint().height() - m_footer->sizeHint().height();
+    m_sourceSection->setFixedHeight(qRound(sourceSectionHeight(available)));
 }
 
 void ResultView::focusContent()
@@ -247,37 +465,110 @@ void ResultView::focusContent()
     if (m_model->isInputPanel)
         m_source->setFocus();
     else
-        m_translation->setFocus();
+        setFocus();
 }
 
 bool ResultView::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == m_source && event->type() == QEvent::KeyPress) {
-        const auto *key = static_cast<QKeyEvent *>(event);
-        const bool isReturn = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
-        if (isReturn && !(key->modifiers() & Qt::ShiftModifier)) {
-            if (const auto submit = m_model->onSubmitSource)
-                submit();
+    auto *button = qobject_cast<QAbstractButton *>(watched);
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseMove:
+    case QEvent::MouseButtonRelease:
+        // A click that trembles is still a click.
+        if (drag(static_cast<QMouseEvent *>(event), button ? QApplication::startDragDistance() : 1)) {
+            if (button)
+                button->setDown(false);
             return true;
         }
+        break;
+    default:
+        break;
     }
     return QWidget::eventFilter(watched, event);
 }
 
-void ResultView::paintEvent(QPaintEvent *event)
+/// Whether the event belongs to a drag.
+bool ResultView::drag(QMouseEvent *event, int threshold)
 {
-    QWidget::paintEvent(event);
-    traceFirstPaints();
+    if (event->type() == QEvent::MouseButtonPress) {
+        if (event->button() == Qt::LeftButton)
+            m_dragStart = event->globalPosition();
+        return false;
+    }
+    if (event->type() == QEvent::MouseButtonRelease) {
+        m_dragStart.reset();
+        if (!std::exchange(m_isDragging, false))
+            return false;
+        if (onDragEnded)
+            onDragEnded();
+        return true;
+    }
+    if (!m_dragStart || !(event->buttons() & Qt::LeftButton))
+        return false;
+    if (!m_isDragging && (event->globalPosition() - *m_dragStart).manhattanLength() >= threshold) {
+        m_isDragging = true;
+        if (onDragBegan)
+            onDragBegan();
+    }
+    if (m_isDragging && onDragMoved)
+        onDragMoved();
+    return m_isDragging;
 }
 
-void ResultView::traceFirstPaints()
+void ResultView::mousePressEvent(QMouseEvent *event)
 {
-    if (!Trace::isEnabled())
+    drag(event, 1);
+}
+
+void ResultView::mouseMoveEvent(QMouseEvent *event)
+{
+    drag(event, 1);
+}
+
+void ResultView::mouseReleaseEvent(QMouseEvent *event)
+{
+    drag(event, 1);
+}
+
+void ResultView::resizeEvent(QResizeEvent *)
+{
+    layOutSections();
+}
+
+void ResultView::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && m_footer)
+        scheduleRefresh();
+}
+
+void ResultView::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF area = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
+    QPainterPath outline;
+    outline.addRoundedRect(area, cornerRadius, cornerRadius);
+    painter.fillPath(outline, palette().base());
+    painter.setPen(SystemColor::separator(palette()));
+    painter.drawPath(outline);
+    if (m_statusView->isVisible())
+        tracePaint();
+}
+
+void ResultView::tracePaint()
+{
+    if (!Trace::isEnabled() || (m_hasPainted && (m_hasPaintedResult || !m_showsResult)))
         return;
-    if (!std::exchange(m_hasPainted, true))
-        Trace::mark("panelPainted");
-    if (!m_model->isLoading && !std::exchange(m_hasPaintedResult, true))
-        Trace::mark("textPainted", {{"failed", m_model->errorMessage.get() ? 1 : 0}});
+    const auto mark = [this, showsResult = m_showsResult] {
+        if (!std::exchange(m_hasPainted, true))
+            Trace::mark("panelPainted");
+        if (showsResult && !std::exchange(m_hasPaintedResult, true))
+            Trace::mark("textPainted", {{"failed", m_model->errorMessage.get() ? 1 : 0}});
+    };
+    // After the other parts were painted, too.
+    QMetaObject::invokeMethod(this, mark, Qt::QueuedConnection);
 }
 
 } // namespace tovi

@@ -54,7 +54,7 @@ TEST_F(GoogleTranslationProviderTest, FailuresAreToldApart)
         {300, "[]", network("Google Translate returned error 300")},
         {200, "<html></html>", network("The server's answer is not valid JSON")},
         {200, "", network("The server's answer is not valid JSON")},
-        {200, QByteArray(17 * 1024 * 1024, ' '), network("The server's answer is too long")},
+        {200, QByteArray(3 * 1024 * 1024, ' '), network("The server's answer is too long")},
         {200, QByteArray(5000, '['), network("The server's answer is nested too deeply")},
         {200, "{}", TranslationError::parse()},
         {200, "[]", TranslationError::parse()},

@@ -14,6 +14,7 @@ namespace tovi {
 
 namespace {
 
+constexpr qsizetype longestHeaders = 256 * 1024;
 constexpr qsizetype longestBuffer = 256 * 1024;
 // What is left after the last useful byte: the end of the chunks, rarely more.
 constexpr qsizetype longestRest = 64 * 1024;
@@ -84,14 +85,14 @@ CurlTransfer::~CurlTransfer()
 void CurlTransfer::start()
 {
     if (!prepare()) {
-        end(m_handle ? URLError::Code::requestNotSendable : URLError::Code::unknown);
+        end(m_refusal.value_or(URLError::Code::unknown));
         return;
     }
     asyncOnMain([weak = weak_from_this()] { watch(weak); });
-    SystemProxy::find(m_request.url, [self = shared_from_this()](const QByteArray &proxy) {
+    SystemProxy::find(m_request.url, [self = shared_from_this()](const std::optional<QByteArray> &proxy) {
         const bool isTaken = self->m_network->post([self, proxy] {
-            if (!proxy.isEmpty())
-                self->m_network->curl().easySetOption(self->m_handle, CURLOPT_PROXY, proxy.constData());
+            if (proxy)
+                self->m_network->curl().easySetOption(self->m_handle, CURLOPT_PROXY, proxy->constData());
             bool hasEnded = false;
             {
                 const std::scoped_lock lock(self->m_mutex);
@@ -111,8 +112,14 @@ bool CurlTransfer::prepare()
     m_handle = curl.easyInit();
     if (!m_handle)
         return false;
-    const auto set = [&](CURLoption option, auto value) { curl.easySetOption(m_handle, option, value); };
+    // An option that the library does not know may be the one that keeps a request safe.
+    bool isComplete = true;
+    const auto set = [&](CURLoption option, auto value) {
+        isComplete &= curl.easySetOption(m_handle, option, value) == CURLE_OK;
+    };
     set(CURLOPT_URL, m_url.constData());
+    if (!isComplete)
+        m_refusal = URLError::Code::badURL; // too long
     set(CURLOPT_PROTOCOLS_STR, "http,https");
     set(CURLOPT_REDIR_PROTOCOLS_STR,
         m_request.url.scheme() == QLatin1String("https") ? "https" : "http,https");
@@ -139,8 +146,10 @@ bool CurlTransfer::prepare()
     // A server need not say first that it wants the body.
     m_headers = curl.listAppend(nullptr, "Expect:");
     for (const auto &[name, value] : m_request.headers) {
-        if (!isSendable(name) || !isSendable(value))
+        if (!isSendable(name) || !isSendable(value)) {
+            m_refusal = URLError::Code::requestNotSendable;
             return false;
+        }
         m_headers = curl.listAppend(m_headers, (name + ": " + value).constData());
     }
     set(CURLOPT_HTTPHEADER, m_headers);
@@ -149,7 +158,7 @@ bool CurlTransfer::prepare()
         set(CURLOPT_POSTFIELDSIZE_LARGE, curl_off_t{m_request.body.size()});
         set(CURLOPT_POSTFIELDS, m_request.body.constData());
     }
-    return true;
+    return isComplete;
 }
 
 QFuture<URLResponse> CurlTransfer::response()
@@ -165,6 +174,10 @@ QFuture<QByteArray> CurlTransfer::read()
     const auto future = promise.future();
     const std::scoped_lock lock(m_mutex);
     if (!m_buffer.isEmpty() || (m_hasEnded && !m_failure)) {
+        if (const auto since = std::exchange(m_unreadSince, std::nullopt)) {
+            m_lastActivity = m_clock.now();
+            m_unread += m_lastActivity - *since;
+        }
         finishWith(promise, std::exchange(m_buffer, {}));
         if (m_isPaused)
             m_network->post([self = shared_from_this()] { self->resume(); });
@@ -199,8 +212,13 @@ void CurlTransfer::abandon()
 
 size_t CurlTransfer::receiveHeader(char *, size_t size, size_t count, void *self)
 {
-    static_cast<CurlTransfer *>(self)->keepAlive();
-    return size * count;
+    auto *transfer = static_cast<CurlTransfer *>(self);
+    transfer->keepAlive();
+    transfer->m_headerBytes += qsizetype(size * count);
+    if (transfer->m_headerBytes <= longestHeaders)
+        return size * count;
+    transfer->m_refusal = URLError::Code::badServerResponse;
+    return 0;
 }
 
 size_t CurlTransfer::receiveBody(char *data, size_t size, size_t count, void *self)
@@ -239,6 +257,8 @@ size_t CurlTransfer::take(QByteArrayView data)
                 m_isPaused = true;
                 return CURL_WRITEFUNC_PAUSE;
             }
+            if (!m_unreadSince)
+                m_unreadSince = m_lastActivity;
             m_buffer += data;
             return size;
         }
@@ -326,7 +346,9 @@ URLError::Code CurlTransfer::errorCode(CURLcode code) const
     case CURLE_PARTIAL_FILE:
     case CURLE_RECV_ERROR:
     case CURLE_SEND_ERROR:
-        return Code::networkConnectionLost;
+        return lostConnection();
+    case CURLE_OUT_OF_MEMORY: // its own limits end so, too
+        return Code::dataLengthExceedsMaximum;
     case CURLE_TOO_MANY_REDIRECTS:
         return Code::httpTooManyRedirects;
     case CURLE_PEER_FAILED_VERIFICATION:
@@ -342,11 +364,20 @@ URLError::Code CurlTransfer::errorCode(CURLcode code) const
     case CURLE_WEIRD_SERVER_REPLY:
     case CURLE_HTTP_RETURNED_ERROR:
         return Code::badServerResponse;
-    case CURLE_WRITE_ERROR: // our own refusal to swallow more
-        return Code::cancelled;
+    case CURLE_WRITE_ERROR:
+        return m_refusal.value_or(Code::cancelled);
     default:
         return Code::unknown;
     }
+}
+
+/// A proxy that refuses to connect ends the connection, but it is no lost one.
+URLError::Code CurlTransfer::lostConnection() const
+{
+    long proxyStatus = 0;
+    m_network->curl().easyGetInfo(m_handle, CURLINFO_HTTP_CONNECTCODE, &proxyStatus);
+    const bool isRefused = proxyStatus != 0 && (proxyStatus < 200 || proxyStatus > 299);
+    return isRefused ? URLError::Code::cannotConnectToHost : URLError::Code::networkConnectionLost;
 }
 
 std::optional<Clock::Time> CurlTransfer::due() const
@@ -356,9 +387,10 @@ std::optional<Clock::Time> CurlTransfer::due() const
         return std::nullopt;
     if (m_abandoned)
         return *m_abandoned + restTimeout;
-    // While the reader is busy, the silence is ours.
-    const Clock::Time silentSince = m_isPaused || !m_buffer.isEmpty() ? m_clock.now() : m_lastActivity;
-    return std::min(m_started + m_limits.resourceTimeout, silentSince + m_limits.requestTimeout);
+    const Clock::Time now = m_clock.now();
+    const Clock::Time silentSince = m_unreadSince ? now : m_lastActivity;
+    const Clock::Duration unread = m_unread + (m_unreadSince ? now - *m_unreadSince : Clock::Duration{});
+    return std::min(m_started + m_limits.resourceTimeout + unread, silentSince + m_limits.requestTimeout);
 }
 
 /// Main thread.

@@ -50,7 +50,9 @@ private:
     void cancel(URLError::Code reason);
     void keepAlive();
     URLError::Code errorCode(CURLcode code) const;
-    /// When it has taken too long, unless something happens before.
+    URLError::Code lostConnection() const;
+    /// When it has taken too long, unless something happens before. Time in which the reader keeps us waiting
+    /// does not count.
     std::optional<Clock::Time> due() const;
 
     const std::shared_ptr<CurlNetwork> m_network;
@@ -61,8 +63,10 @@ private:
     const Clock::Time m_started;
     CURL *m_handle = nullptr;
     curl_slist *m_headers = nullptr;
-    curl_off_t m_sent = 0;     // network thread
-    qsizetype m_swallowed = 0; // network thread
+    curl_off_t m_sent = 0;                   // network thread
+    qsizetype m_swallowed = 0;               // network thread
+    qsizetype m_headerBytes = 0;             // network thread
+    std::optional<URLError::Code> m_refusal; // network thread; why we ended it ourselves
 
     mutable std::mutex m_mutex; // guards the rest
     QPromise<URLResponse> m_head;
@@ -71,6 +75,8 @@ private:
     std::optional<URLError::Code> m_failure;
     std::optional<Clock::Time> m_abandoned;
     Clock::Time m_lastActivity;
+    std::optional<Clock::Time> m_unreadSince;
+    Clock::Duration m_unread{}; // in earlier waits for the reader
     bool m_hasHead = false;
     bool m_isPaused = false;
     bool m_hasEnded = false;

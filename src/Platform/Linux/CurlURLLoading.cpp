@@ -12,7 +12,7 @@ namespace {
 template <class T>
 QFuture<T> failed()
 {
-    return QtFuture::makeExceptionalFuture<T>(std::make_exception_ptr(URLError(URLError::Code::unknown)));
+    return QtFuture::makeExceptionalFuture<T>(std::make_exception_ptr(URLError(URLError::Code::unavailable)));
 }
 
 } // namespace
@@ -82,7 +82,7 @@ std::shared_ptr<CurlNetwork> CurlURLLoading::network()
     if (!m_network) {
         if (const CurlLibrary *curl = CurlLibrary::load())
             m_network = std::make_shared<CurlNetwork>(*curl);
-        else
+        else if (!std::exchange(m_hasLogged, true))
             m_log.write(QStringLiteral("libcurl is not installed: the web engines cannot work"));
     }
     return m_network;

@@ -30,6 +30,7 @@ private:
     SystemLog &m_log;
     std::mutex m_mutex;
     std::shared_ptr<CurlNetwork> m_network;
+    bool m_hasLogged = false; ///< that there can be none
 };
 
 } // namespace tovi

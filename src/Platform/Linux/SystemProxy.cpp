@@ -46,11 +46,13 @@ QByteArray lookUp(GProxyResolver *resolver, const QByteArray &url)
 
 void SystemProxy::find(const QUrl &url, Handler handler)
 {
-    GProxyResolver *resolver = nullptr;
-    if (!isSetInEnvironment() && !isThisMachine(url.host()))
-        resolver = g_proxy_resolver_get_default();
+    if (isThisMachine(url.host())) {
+        handler(QByteArray());
+        return;
+    }
+    GProxyResolver *resolver = isSetInEnvironment() ? nullptr : g_proxy_resolver_get_default();
     if (!resolver || !g_proxy_resolver_is_supported(resolver)) {
-        handler({});
+        handler(std::nullopt);
         return;
     }
     // Of the address the desktop gets no more than it needs to choose: never the text in a query.

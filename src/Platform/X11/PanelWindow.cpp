@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Platform/X11/PanelWindow.h"
 
+#include <cmath>
 #include <iterator>
 
 #include <QApplication>
@@ -8,7 +9,10 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPixmap>
 #include <QWindow>
+
+#include <xcb/shape.h>
 
 #include "Platform/X11/Xcb.h"
 
@@ -17,10 +21,15 @@ namespace tovi {
 namespace {
 
 constexpr quint32 allDesktops = 0xffffffff;
+// In points: how far the shadow reaches, how far below the panel it lies, and how large its corners are.
+constexpr int shadowReach = 28;
+constexpr int shadowDrop = 6;
+constexpr int shadowCorner = shadowReach + PanelWindow::cornerRadius + shadowReach;
+constexpr double shadowStrength = 0.34;
 
 struct Atoms
 {
-    xcb_atom_t desktop, state, skipTaskbar, skipPager, above, activeWindow;
+    xcb_atom_t desktop, state, skipTaskbar, skipPager, above, activeWindow, frameExtents;
 };
 
 const Atoms &atoms()
@@ -32,7 +41,8 @@ const Atoms &atoms()
                      .skipTaskbar = internAtom(connection, "_NET_WM_STATE_SKIP_TASKBAR"),
                      .skipPager = internAtom(connection, "_NET_WM_STATE_SKIP_PAGER"),
                      .above = internAtom(connection, "_NET_WM_STATE_ABOVE"),
-                     .activeWindow = internAtom(connection, "_NET_ACTIVE_WINDOW")};
+                     .activeWindow = internAtom(connection, "_NET_ACTIVE_WINDOW"),
+                     .frameExtents = internAtom(connection, "_GTK_FRAME_EXTENTS")};
     }();
     return values;
 }
@@ -57,6 +67,30 @@ QPainterPath outline(const QRectF &rect)
     return path;
 }
 
+/// The shadow of the smallest panel there is: four corners with one pixel between them. Fades out like a
+/// blurred edge with the distance from the panel.
+QPixmap renderShadow(double scale)
+{
+    const int side = qRound(2 * shadowCorner * scale) + 1;
+    QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
+    const double middle = side / 2.0;
+    const double half = middle - (shadowReach + PanelWindow::cornerRadius) * scale;
+    for (int y = 0; y < side; ++y) {
+        auto *line = reinterpret_cast<QRgb *>(image.scanLine(y));
+        for (int x = 0; x < side; ++x) {
+            const double dx = std::max(std::abs(x + 0.5 - middle) - half, 0.0);
+            const double dy = std::max(std::abs(y + 0.5 - middle - shadowDrop * scale) - half, 0.0);
+            const double distance = std::hypot(dx, dy) / scale - PanelWindow::cornerRadius;
+            const double far = std::clamp(distance / (shadowReach - shadowDrop), 0.0, 1.0);
+            const double fading = (1 - far) * (1 - far) * (1 - far);
+            line[x] = qRgba(0, 0, 0, qRound(255 * shadowStrength * fading));
+        }
+    }
+    QPixmap shadow = QPixmap::fromImage(image);
+    shadow.setDevicePixelRatio(scale);
+    return shadow;
+}
+
 } // namespace
 
 PanelWindow::PanelWindow(bool compositing)
@@ -66,6 +100,7 @@ PanelWindow::PanelWindow(bool compositing)
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_QuitOnClose, false);
+    setAttribute(Qt::WA_AlwaysShowToolTips);
     winId(); // makes the native window now
 }
 
@@ -73,7 +108,7 @@ void PanelWindow::setContent(std::unique_ptr<QWidget> content)
 {
     m_content = content.release();
     m_content->setParent(this);
-    m_content->setGeometry(rect());
+    m_content->setGeometry(rect().marginsRemoved(shadowMargins()));
     m_content->show();
 }
 
@@ -90,10 +125,28 @@ void PanelWindow::release()
 
 void PanelWindow::setCompositing(bool compositing)
 {
-    if (std::exchange(m_compositing, compositing) == compositing)
+    if (m_compositing == compositing)
         return;
-    updateShape();
+    const QRect panel = panelRect();
+    m_compositing = compositing;
+    setPanelRect(panel);
+    layOut();
     update();
+}
+
+QMargins PanelWindow::shadowMargins() const
+{
+    return m_compositing ? QMargins(shadowReach, shadowReach, shadowReach, shadowReach) : QMargins();
+}
+
+QRect PanelWindow::panelRect() const
+{
+    return geometry().marginsRemoved(shadowMargins());
+}
+
+void PanelWindow::setPanelRect(const QRect &rect)
+{
+    setGeometry(rect.marginsAdded(shadowMargins()));
 }
 
 void PanelWindow::present()
@@ -187,30 +240,60 @@ void PanelWindow::closeEvent(QCloseEvent *event)
 void PanelWindow::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF area = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
-    QColor line = palette().color(QPalette::WindowText);
-    line.setAlphaF(0.18f);
-    if (!m_compositing)
-        painter.fillRect(rect(), palette().window());
-    painter.fillPath(outline(area), palette().window());
-    painter.setPen(line);
-    painter.drawPath(outline(area));
+    if (!m_compositing) {
+        painter.fillRect(rect(), palette().base());
+        return;
+    }
+    const double scale = devicePixelRatioF();
+    static QPixmap shadow;
+    if (shadow.isNull() || shadow.devicePixelRatio() != scale)
+        shadow = renderShadow(scale);
+    // The corners as they are, the edges between them stretched.
+    const double corner = shadowCorner * scale;
+    const QRectF whole(0, 0, width(), height());
+    const double x[] = {0, shadowCorner, whole.width() - shadowCorner, whole.width()};
+    const double y[] = {0, shadowCorner, whole.height() - shadowCorner, whole.height()};
+    const double p[] = {0, corner, corner + 1, 2 * corner + 1};
+    for (int row = 0; row < 3; ++row) {
+        for (int column = 0; column < 3; ++column) {
+            if (row == 1 && column == 1)
+                continue;
+            painter.drawPixmap(QRectF(QPointF(x[column], y[row]), QPointF(x[column + 1], y[row + 1])), shadow,
+                               QRectF(QPointF(p[column], p[row]), QPointF(p[column + 1], p[row + 1])));
+        }
+    }
 }
 
 void PanelWindow::resizeEvent(QResizeEvent *)
 {
-    if (m_content)
-        m_content->setGeometry(rect());
-    updateShape();
+    layOut();
 }
 
-void PanelWindow::updateShape()
+void PanelWindow::layOut()
 {
+    const QRect panel = rect().marginsRemoved(shadowMargins());
+    if (m_content)
+        m_content->setGeometry(panel);
     if (m_compositing)
         clearMask();
     else
-        setMask(QRegion(outline(rect()).toFillPolygon().toPolygon()));
+        setMask(QRegion(outline(panel).toFillPolygon().toPolygon()));
+    // What is clicked is the panel, not its shadow.
+    const double scale = devicePixelRatioF();
+    const xcb_rectangle_t input{int16_t(panel.x() * scale), int16_t(panel.y() * scale),
+                                uint16_t(panel.width() * scale), uint16_t(panel.height() * scale)};
+    xcb_shape_rectangles(QtXcb::connection(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT,
+                         XCB_CLIP_ORDERING_UNSORTED, static_cast<xcb_window_t>(winId()), 0, 0, 1, &input);
+    announceShadow();
+}
+
+/// Window managers that know the property keep the panel, not its shadow, on the screen.
+void PanelWindow::announceShadow() const
+{
+    const auto reach = quint32(m_compositing ? shadowReach * devicePixelRatioF() : 0);
+    const quint32 extents[] = {reach, reach, reach, reach};
+    xcb_change_property(QtXcb::connection(), XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(winId()),
+                        atoms().frameExtents, XCB_ATOM_CARDINAL, 32, 4, extents);
 }
 
 } // namespace tovi

@@ -9,14 +9,18 @@
 namespace tovi {
 
 /// The top-level window of a panel: rounded, above others, on all workspaces, in no task list. It is made
-/// once and serves one panel after another.
+/// once and serves one panel after another. With compositing it is larger than its panel by a soft shadow,
+/// which lets clicks through; else its corners are cut off.
 class PanelWindow final : public QWidget
 {
 public:
     static constexpr int cornerRadius = 12; // points
 
-    /// With compositing the corners are translucent, else cut off.
     explicit PanelWindow(bool compositing);
+
+    /// The panel without its shadow, in the toolkit's coordinates.
+    QRect panelRect() const;
+    void setPanelRect(const QRect &rect);
 
     void setContent(std::unique_ptr<QWidget> content);
     /// Hides the window and deletes the content on the next turn of the event loop, since it may be what
@@ -42,7 +46,9 @@ private:
     void escape();
     void setStatesBeforeMapping();
     void requestStates();
-    void updateShape();
+    QMargins shadowMargins() const;
+    void layOut();
+    void announceShadow() const;
 
     QPointer<QWidget> m_content;
     bool m_compositing;

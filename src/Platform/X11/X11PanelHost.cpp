@@ -93,10 +93,10 @@ public:
         }
     }
 
-    QRectF frame() const override { return ScreenGeometry::current().fromQt(QRectF(m_window->geometry())); }
+    QRectF frame() const override { return ScreenGeometry::current().fromQt(QRectF(m_window->panelRect())); }
     void setFrame(const QRectF &frame) override
     {
-        m_window->setGeometry(ScreenGeometry::current().toQt(frame));
+        m_window->setPanelRect(ScreenGeometry::current().toQt(frame));
     }
     void orderFrontRegardless() override { m_window->present(); }
     void makeKey() override

@@ -122,6 +122,10 @@ TEST_F(URLLoadingTest, FailuresHaveTheirCodes)
              reply.send("220 mail.example ESMTP\r\n");
              reply.close();
          }},
+        {"/headers", Code::badServerResponse,
+         [](Reply &reply) {
+             reply.answer(200, {}, QList<QByteArray>(10'000, "X-Header: " + QByteArray(90, 'a')));
+         }},
         {"/round", Code::httpTooManyRedirects,
          [](Reply &reply) { reply.answer(302, {}, {"Location: /round"}); }},
         {"/elsewhere", Code::badServerResponse,
@@ -191,6 +195,8 @@ TEST_F(URLLoadingTest, ARedirectToAnotherHostCarriesNoKey)
     ScriptedServer server([&](const Request &request, Reply &reply) {
         if (request.target == "/away")
             reply.answer(307, {}, {"Location: " + other.origin().toUtf8() + "/"});
+        else if (request.target == "/host")
+            reply.answer(307, {}, {"Location: http://localhost:" + QByteArray::number(other.port())});
         else if (request.target == "/moved")
             reply.answer(308, {}, {"Location: /here"});
         else
@@ -205,8 +211,10 @@ TEST_F(URLLoadingTest, ARedirectToAnotherHostCarriesNoKey)
     EXPECT_EQ(post("/moved").body, "here");
     EXPECT_EQ(server.requests().last().header("Authorization"), "Bearer key");
     EXPECT_EQ(server.requests().last().body, "text");
-    EXPECT_EQ(post("/away").body, "other");
-    EXPECT_TRUE(other.requests().last().header("Authorization").isNull());
+    for (const char *path : {"/away", "/host"}) {
+        EXPECT_EQ(post(path).body, "other");
+        EXPECT_TRUE(other.requests().last().header("Authorization").isNull()) << path;
+    }
 }
 
 TEST_F(URLLoadingTest, SilenceAndSlownessEndByTheClock)
@@ -258,6 +266,20 @@ TEST_F(URLLoadingTest, SilenceAndSlownessEndByTheClock)
         EXPECT_EQ(error.code(), Code::timedOut);
     }
     EXPECT_EQ(pieces, 3);
+
+    // What the reader leaves lying costs the server nothing, neither while it lies nor after.
+    const auto slowly = session->start({.url = QUrl(server.origin() + QStringLiteral("/trickle"))});
+    goOn.release();
+    goOn.release();
+    await(slowly->response());
+    EXPECT_EQ(await(slowly->read()), "a");
+    goOn.release();
+    waitUntil([&] { return server.requests().size() == 3; });
+    platform.clock().advance(100s);
+    EXPECT_FALSE(await(slowly->read()).isEmpty());
+    const auto next = slowly->read();
+    platform.clock().advance(4900ms);
+    EXPECT_FALSE(next.isFinished());
     goOn.release(); // the server finds out that nobody listens
 }
 
@@ -361,10 +383,18 @@ TEST_F(URLLoadingTest, OnlyTrustedCertificatesAreTrusted)
 
 TEST_F(URLLoadingTest, TheEnvironmentsProxyIsUsed)
 {
-    ScriptedServer proxy([](const Request &, Reply &reply) { reply.answer(200, "by proxy"); });
+    std::atomic<bool> refuses = false;
+    ScriptedServer proxy(
+        [&](const Request &, Reply &reply) { reply.answer(refuses ? 407 : 200, "by proxy"); });
     const Variable variable("http_proxy", proxy.origin().toUtf8());
     EXPECT_EQ(await(fetch(QStringLiteral("http://service.example/path"))).body, "by proxy");
     EXPECT_EQ(proxy.requests().first().target, "http://service.example/path");
+    // A server on this machine is not the proxy's business.
+    ScriptedServer own([](const Request &, Reply &reply) { reply.answer(200, "direct"); });
+    EXPECT_EQ(await(fetch(own.origin())).body, "direct");
+    const Variable secure("https_proxy", proxy.origin().toUtf8());
+    refuses = true;
+    EXPECT_EQ(failure(QStringLiteral("https://service.example/")), Code::cannotConnectToHost);
 }
 
 TEST_F(URLLoadingTest, TheEndCancelsWhatIsUnderWay)

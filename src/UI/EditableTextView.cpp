@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+#include "UI/EditableTextView.h"
+
+#include <utility>
+
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QTextDocument>
+
+namespace tovi {
+
+namespace {
+
+constexpr int inset = 2; // points
+
+} // namespace
+
+EditableTextView::EditableTextView(QWidget *parent)
+    : QPlainTextEdit(parent)
+{
+    setFrameShape(QFrame::NoFrame);
+    setTabChangesFocus(true);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    viewport()->setAutoFillBackground(false);
+    document()->setDocumentMargin(inset);
+    connect(this, &QPlainTextEdit::textChanged, this, [this] {
+        if (m_isShowing || isReadOnly())
+            return;
+        // The plain text of a document has lost its no-break spaces.
+        m_text = document()
+                     ->toRawText()
+                     .replace(QChar::ParagraphSeparator, u'\n')
+                     .replace(QChar::LineSeparator, u'\n');
+        emit edited(m_text);
+    });
+}
+
+void EditableTextView::setText(const QString &text)
+{
+    if (text == m_text)
+        return;
+    m_text = text;
+    m_isShowing = true;
+    const bool isCut = text.size() > longestText;
+    setPlainText(isCut ? text.first(longestText) + QChar(0x2026) : text);
+    setReadOnly(isCut);
+    m_isShowing = false;
+}
+
+void EditableTextView::keyPressEvent(QKeyEvent *event)
+{
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isReturn && (event->modifiers() & Qt::ShiftModifier)) {
+        insertPlainText(QStringLiteral("\n"));
+        ensureCursorVisible();
+    } else if (isReturn) {
+        emit submitted();
+    } else if (event->key() == Qt::Key_V && event->modifiers() == (Qt::ControlModifier | Qt::ShiftModifier)) {
+        paste();
+    } else {
+        QPlainTextEdit::keyPressEvent(event);
+    }
+}
+
+void EditableTextView::insertFromMimeData(const QMimeData *source)
+{
+    if (source->hasText())
+        insertPlainText(source->text());
+}
+
+} // namespace tovi

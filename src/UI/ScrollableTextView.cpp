@@ -1,0 +1,207 @@
+// SPDX-License-Identifier: MIT
+#include "UI/ScrollableTextView.h"
+
+#include <cmath>
+
+#include <QAbstractTextDocumentLayout>
+#include <QMimeData>
+#include <QScrollBar>
+#include <QTextBlock>
+#include <QTextLayout>
+
+namespace tovi {
+
+namespace {
+
+constexpr int inset = 2;           // points
+constexpr int followDistance = 12; // points
+// A paragraph is laid out as a whole at each change of it. A longer one continues in a block of its own, from
+// the beginning of a line.
+constexpr int longestBlock = 2000;
+constexpr int continues = 1; // state of a block that the next one continues
+
+} // namespace
+
+void AttributedText::append(const QString &text, const QFont &font, const QColor &color, double spacing)
+{
+    if (text.isEmpty())
+        return;
+    const auto add = [this, &color](const QString &part, const QFont &own) {
+        if (!runs.isEmpty() && runs.last().font == own && runs.last().color == color)
+            runs.last().text += part;
+        else
+            runs.append({part, own, color});
+    };
+    if (!runs.isEmpty()) {
+        add(QStringLiteral("\n"), font);
+        if (spacing > 0) {
+            QFont gap = font;
+            gap.setPixelSize(std::max(1, int(std::lround(spacing))));
+            add(QStringLiteral("\n"), gap);
+        }
+    }
+    add(text, font);
+}
+
+QString AttributedText::plainText() const
+{
+    QString plain;
+    for (const Run &run : runs)
+        plain += run.text;
+    return plain;
+}
+
+ScrollableTextView::ScrollableTextView(QWidget *parent)
+    : QTextEdit(parent)
+{
+    setFrameShape(QFrame::NoFrame);
+    setReadOnly(true);
+    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    setTabChangesFocus(true);
+    setCursorWidth(0);
+    setUndoRedoEnabled(false);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    viewport()->setAutoFillBackground(false);
+    document()->setDocumentMargin(inset);
+}
+
+void ScrollableTextView::setAttributedText(const AttributedText &text)
+{
+    if (text.runs == m_text.runs)
+        return;
+    const QString plain = text.plainText();
+    const QScrollBar *bar = verticalScrollBar();
+    const int position = bar->value();
+    const bool isAtEnd = position >= bar->maximum() - followDistance;
+    // The colours of what stays cannot have changed unless the appearance did.
+    const bool grows = !m_plain.isEmpty() && plain.size() > m_plain.size() && plain.startsWith(m_plain) &&
+                       m_text.runs.first().color == text.runs.first().color &&
+                       m_text.runs.first().font == text.runs.first().font;
+    const qsizetype kept = grows ? m_plain.size() : 0;
+    m_text = text;
+    m_plain = plain;
+    show(text, kept);
+    if (isAtEnd)
+        scrollToEndLater();
+    else
+        verticalScrollBar()->setValue(position);
+}
+
+void ScrollableTextView::show(const AttributedText &text, qsizetype from)
+{
+    m_wrapWidth = viewport()->width();
+    if (from == 0) {
+        document()->clear();
+    } else {
+        // Neither the selection nor the caret moves on with the text.
+        QTextCursor own = textCursor();
+        own.setKeepPositionOnInsert(true);
+        setTextCursor(own);
+    }
+    qsizetype start = 0;
+    for (const AttributedText::Run &run : text.runs) {
+        const qsizetype skipped = std::clamp(from - start, qsizetype(0), run.text.size());
+        if (skipped < run.text.size())
+            appendRun(QStringView(run.text).sliced(skipped), run);
+        start += run.text.size();
+    }
+    QTextCursor own = textCursor();
+    own.setKeepPositionOnInsert(false);
+    setTextCursor(own);
+}
+
+void ScrollableTextView::appendRun(QStringView text, const AttributedText::Run &run)
+{
+    QTextCharFormat format;
+    format.setFont(run.font);
+    format.setForeground(run.color);
+    QTextCursor end(document());
+    // In parts, so that a paragraph that comes whole is split as well.
+    while (!text.isEmpty()) {
+        end.movePosition(QTextCursor::End);
+        end.setBlockCharFormat(format);
+        end.insertText(text.first(std::min(text.size(), qsizetype(longestBlock))).toString(), format);
+        text = text.sliced(std::min(text.size(), qsizetype(longestBlock)));
+        splitLongParagraph();
+    }
+}
+
+void ScrollableTextView::splitLongParagraph()
+{
+    for (;;) {
+        const QTextBlock last = document()->lastBlock();
+        if (last.length() <= longestBlock)
+            return;
+        document()->documentLayout()->blockBoundingRect(last); // lays it out
+        const QTextLayout *layout = last.layout();
+        // The last line may still grow; the one before it is also kept, for a word may move up.
+        const int line =
+            std::min(layout->lineCount() - 2, layout->lineForTextPosition(longestBlock).lineNumber());
+        if (line < 1)
+            return;
+        QTextCursor cursor(last);
+        cursor.setPosition(last.position() + layout->lineAt(line).textStart());
+        QTextBlockFormat direction = cursor.blockFormat();
+        direction.setLayoutDirection(last.textDirection());
+        cursor.insertBlock(direction, cursor.charFormat());
+        QTextBlock before = cursor.block().previous();
+        before.setUserState(continues);
+        QTextCursor(before).setBlockFormat(direction);
+    }
+}
+
+void ScrollableTextView::scrollToEndLater()
+{
+    if (std::exchange(m_isScrollPending, true))
+        return;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            m_isScrollPending = false;
+            verticalScrollBar()->setValue(verticalScrollBar()->maximum());
+        },
+        Qt::QueuedConnection);
+}
+
+void ScrollableTextView::paintEvent(QPaintEvent *event)
+{
+    QTextEdit::paintEvent(event);
+    emit painted();
+}
+
+void ScrollableTextView::resizeEvent(QResizeEvent *event)
+{
+    QTextEdit::resizeEvent(event);
+    // Where paragraphs were split depends on the width.
+    const bool isSplit = document()->blockCount() > m_plain.count(u'\n') + 1;
+    if (isSplit && viewport()->width() != m_wrapWidth)
+        show(m_text, 0);
+}
+
+void ScrollableTextView::changeEvent(QEvent *event)
+{
+    QTextEdit::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        viewport()->update();
+}
+
+QMimeData *ScrollableTextView::createMimeDataFromSelection() const
+{
+    const QTextCursor selection = textCursor();
+    QString text;
+    for (QTextBlock block = document()->findBlock(selection.selectionStart());
+         block.isValid() && block.position() < selection.selectionEnd(); block = block.next()) {
+        const int from = std::max(selection.selectionStart() - block.position(), 0);
+        const int to = std::min(selection.selectionEnd() - block.position(), block.length() - 1);
+        text += block.text().mid(from, to - from);
+        const bool goesOn = selection.selectionEnd() >= block.position() + block.length();
+        if (goesOn && block.userState() != continues)
+            text += u'\n';
+    }
+    auto *data = new QMimeData;
+    data->setText(text.replace(QChar::LineSeparator, u'\n'));
+    return data;
+}
+
+} // namespace tovi

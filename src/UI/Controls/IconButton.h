@@ -23,7 +23,8 @@ public:
     void setIcon(const QString &name, qreal size, const QColor &color = {},
                  IconWeight weight = IconWeight::regular);
     /// The same with a symbol for a missing Lucide icon.
-    void setIcon(const QString &lucideName, const QString &fallbackSymbol, qreal size, const QColor &color = {});
+    void setIcon(const QString &lucideName, const QString &fallbackSymbol, qreal size,
+                 const QColor &color = {});
     void setImage(const IconImage &image, const QColor &color = {});
     /// The colour while the pointer is over it; invalid: the usual one.
     void setHoverColor(const QColor &color);
@@ -44,6 +45,7 @@ protected:
 
 private:
     void setHighlighted(bool highlighted);
+    void setShowsFocus(bool shows);
 
     IconImage m_image;
     QColor m_color;

@@ -15,8 +15,8 @@ namespace tovi {
 enum class IconWeight { regular, semibold };
 enum class IconStyle {
     outline,
-    filled,   ///< closed shapes are filled, open strokes drawn
-    knockout, ///< closed shapes are filled, open strokes cut out of them
+    filled,   ///< its body is filled, the other strokes are drawn
+    knockout, ///< its body is filled, the other strokes are cut out of it
 };
 
 /// A template image: a shape without a colour, drawn in the colour its context gives. Cheap to copy and to
@@ -36,7 +36,7 @@ public:
     IconImage sized(QSizeF size) const;
     IconImage weighted(IconWeight weight) const;
 
-    /// Fills the rectangle, keeping proportions.
+    /// As large as fits into the rectangle, in its middle, on whole device pixels.
     void paint(QPainter &painter, const QRectF &rectangle, const QColor &color) const;
     QPixmap pixmap(QSizeF size, const QColor &color, qreal devicePixelRatio) const;
     /// An icon in the application's text colour, for menus and toolbars; follows the palette.
@@ -49,8 +49,7 @@ private:
     QSizeF m_size;
     IconStyle m_style = IconStyle::outline;
     IconWeight m_weight = IconWeight::regular;
-    /// Part of the size that the drawing box of the shape takes; more than 1 cuts the empty rim away.
-    qreal m_boxScale = 1;
+    int m_body = 0; ///< which of the icon's elements is filled
 };
 
 } // namespace tovi

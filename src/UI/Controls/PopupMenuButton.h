@@ -20,8 +20,8 @@ struct PopupMenuItem
     std::function<void()> action;
 };
 
-/// A compact menu button: icon, title and chevron; pops up a menu at its lower-left corner. Takes the keyboard
-/// by Tab and opens by Space, Return, Down or a press of the mouse.
+/// A compact menu button: icon, title and chevron; pops up a menu at its lower-left corner. Takes the
+/// keyboard by Tab and opens by Space, Return, Down or a press of the mouse.
 class PopupMenuButton : public QAbstractButton
 {
     Q_OBJECT
@@ -69,7 +69,7 @@ private:
     void setHovering(bool hovering);
     void contentChanged();
     IconImage chevronImage() const;
-    int width(double titleWidth) const;
+    int widthFor(double titleWidth) const;
 
     QString m_title;
     QString m_chevron = QStringLiteral("chevron.down");

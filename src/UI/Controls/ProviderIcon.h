@@ -23,7 +23,8 @@ class ProviderIconView : public QWidget
 public:
     explicit ProviderIconView(QWidget *parent = nullptr);
     /// An invalid colour stands for the secondary label colour.
-    ProviderIconView(const QString &iconName, qreal size, const QColor &color = {}, QWidget *parent = nullptr);
+    ProviderIconView(const QString &iconName, qreal size, const QColor &color = {},
+                     QWidget *parent = nullptr);
 
     void setIcon(const QString &iconName, qreal size, const QColor &color = {});
     QSize sizeHint() const override;

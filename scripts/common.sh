@@ -41,10 +41,23 @@ install_packages() {
             apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
+# Installs the icon packages of package.json when its lock file has changed. Tovi builds and works without them,
+# so a failure is only told.
+install_icons() {
+    local installed=node_modules/.installed-lock.json
+    cmp -s package-lock.json "$installed" && return 0
+    {
+        { command -v npm || install_packages nodejs npm; } &&
+            npm ci --ignore-scripts --no-audit --no-fund --fetch-retries=1 --fetch-timeout=60000 &&
+            cp package-lock.json "$installed"
+    } >/dev/null 2>&1 || echo "The icon packages could not be installed: building without icons" >&2
+}
+
 # build PRESET TARGET...: configures and builds.
 build() {
     local preset=$1
     shift
+    install_icons
     cmake --preset "$preset" >/dev/null || return 1
     cmake --build --preset "$preset" ${1:+--target "$@"}
 }

@@ -239,6 +239,10 @@ TEST_F(PopupMenuButtonTest, ALongTitleMayBeCutShort)
     EXPECT_LT(button->minimumSizeHint().width(), 60);
     button->resize(80, 18);
     button->grab();
+    button->setItems({PopupMenuItem{button->title(), false, {}, {}}});
+    button->showMenu();
+    EXPECT_LT(button->menu()->sizeHint().width(), 500);
+    button->menu()->grab();
 }
 
 TEST_F(PopupMenuButtonTest, ShowsItsItemsInOrderWithTheirTitlesAsTheyStand)

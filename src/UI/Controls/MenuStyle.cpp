@@ -19,6 +19,8 @@ constexpr int iconSide = 16;
 constexpr int iconColumn = iconSide + 7;
 constexpr int rowHeight = 24;
 constexpr int separatorHeight = 9;
+/// Names of engines may be of any length.
+constexpr int maximumTextWidth = 360;
 
 void drawItem(const QStyleOptionMenuItem &item, QPainter &painter)
 {
@@ -55,10 +57,11 @@ void drawItem(const QStyleOptionMenuItem &item, QPainter &painter)
     }
     painter.setPen(color);
     painter.setFont(item.font);
-    painter.drawText(place(rest),
-                     Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextHideMnemonic |
-                         (item.direction == Qt::RightToLeft ? Qt::AlignRight : Qt::AlignLeft),
-                     item.text);
+    painter.drawText(
+        place(rest),
+        Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextHideMnemonic |
+            (item.direction == Qt::RightToLeft ? Qt::AlignRight : Qt::AlignLeft),
+        item.fontMetrics.elidedText(item.text, Qt::ElideRight, rest.width(), Qt::TextShowMnemonic));
 }
 
 } // namespace
@@ -105,7 +108,9 @@ QSize MenuStyle::sizeFromContents(ContentsType type, const QStyleOption *option,
     if (item->menuItemType == QStyleOptionMenuItem::Separator)
         return {size.width(), separatorHeight};
     const int icon = item->maxIconWidth > 0 ? iconColumn : 0;
-    const int text = item->fontMetrics.horizontalAdvance(item->text);
+    const int text =
+        std::min(item->fontMetrics.size(Qt::TextSingleLine | Qt::TextHideMnemonic, item->text).width(),
+                 maximumTextWidth);
     return {sidePadding * 2 + checkColumn + icon + text + 6,
             std::max(rowHeight, item->fontMetrics.height() + 6)};
 }

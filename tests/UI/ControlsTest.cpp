@@ -182,6 +182,7 @@ TEST_F(BuiltInIcons, FallOnWholePixelsAtAFractionalScale)
     canvas.setDevicePixelRatio(1.5);
     canvas.fill(Qt::transparent);
     QPainter painter(&canvas);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.translate(3, 3);
     icon.paint(painter, QRectF(8, 8, 16, 16), Qt::black);
     painter.end();

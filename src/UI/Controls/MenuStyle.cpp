@@ -123,8 +123,8 @@ void MenuStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *opti
     if (element != PE_PanelMenu)
         return QProxyStyle::drawPrimitive(element, option, painter, widget);
     painter->fillRect(option->rect, option->palette.color(QPalette::Base));
-    painter->setPen(SystemColor::separator(option->palette));
-    painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+    painter->fillRect(option->rect, SystemColor::separator(option->palette));
+    painter->fillRect(option->rect.adjusted(1, 1, -1, -1), option->palette.color(QPalette::Base));
 }
 
 void MenuStyle::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,

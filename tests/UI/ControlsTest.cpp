@@ -182,6 +182,7 @@ TEST_F(BuiltInIcons, FallOnWholePixelsAtAFractionalScale)
     canvas.setDevicePixelRatio(1.5);
     canvas.fill(Qt::transparent);
     QPainter painter(&canvas);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.translate(3, 3);
     icon.paint(painter, QRectF(8, 8, 16, 16), Qt::black);
     painter.end();
@@ -239,6 +240,10 @@ TEST_F(PopupMenuButtonTest, ALongTitleMayBeCutShort)
     EXPECT_LT(button->minimumSizeHint().width(), 60);
     button->resize(80, 18);
     button->grab();
+    button->setItems({PopupMenuItem{button->title(), false, {}, {}}});
+    button->showMenu();
+    EXPECT_LT(button->menu()->sizeHint().width(), 500);
+    button->menu()->grab();
 }
 
 TEST_F(PopupMenuButtonTest, ShowsItsItemsInOrderWithTheirTitlesAsTheyStand)

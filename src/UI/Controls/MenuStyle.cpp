@@ -19,6 +19,8 @@ constexpr int iconSide = 16;
 constexpr int iconColumn = iconSide + 7;
 constexpr int rowHeight = 24;
 constexpr int separatorHeight = 9;
+/// Names of engines may be of any length.
+constexpr int maximumTextWidth = 360;
 
 void drawItem(const QStyleOptionMenuItem &item, QPainter &painter)
 {
@@ -55,10 +57,11 @@ void drawItem(const QStyleOptionMenuItem &item, QPainter &painter)
     }
     painter.setPen(color);
     painter.setFont(item.font);
-    painter.drawText(place(rest),
-                     Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextHideMnemonic |
-                         (item.direction == Qt::RightToLeft ? Qt::AlignRight : Qt::AlignLeft),
-                     item.text);
+    painter.drawText(
+        place(rest),
+        Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextHideMnemonic |
+            (item.direction == Qt::RightToLeft ? Qt::AlignRight : Qt::AlignLeft),
+        item.fontMetrics.elidedText(item.text, Qt::ElideRight, rest.width(), Qt::TextShowMnemonic));
 }
 
 } // namespace
@@ -105,7 +108,9 @@ QSize MenuStyle::sizeFromContents(ContentsType type, const QStyleOption *option,
     if (item->menuItemType == QStyleOptionMenuItem::Separator)
         return {size.width(), separatorHeight};
     const int icon = item->maxIconWidth > 0 ? iconColumn : 0;
-    const int text = item->fontMetrics.horizontalAdvance(item->text);
+    const int text =
+        std::min(item->fontMetrics.size(Qt::TextSingleLine | Qt::TextHideMnemonic, item->text).width(),
+                 maximumTextWidth);
     return {sidePadding * 2 + checkColumn + icon + text + 6,
             std::max(rowHeight, item->fontMetrics.height() + 6)};
 }
@@ -118,8 +123,8 @@ void MenuStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *opti
     if (element != PE_PanelMenu)
         return QProxyStyle::drawPrimitive(element, option, painter, widget);
     painter->fillRect(option->rect, option->palette.color(QPalette::Base));
-    painter->setPen(SystemColor::separator(option->palette));
-    painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+    painter->fillRect(option->rect, SystemColor::separator(option->palette));
+    painter->fillRect(option->rect.adjusted(1, 1, -1, -1), option->palette.color(QPalette::Base));
 }
 
 void MenuStyle::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,

@@ -27,7 +27,7 @@ constexpr double iconAdvance = 18;
 constexpr double chevronGap = 4;
 constexpr double chevronFontSize = 8;
 constexpr int sideRoom = 6;
-const QString ellipsis = QStringLiteral("…");
+constexpr QChar ellipsis(0x2026);
 
 class AccessiblePopupMenuButton : public QAccessibleWidget
 {
@@ -248,7 +248,7 @@ void PopupMenuButton::paintEvent(QPaintEvent *)
     const QSizeF chevronSize = chevron ? chevron.size() : QSizeF(8, 8);
     double titleWidth = metrics.horizontalAdvance(m_title);
     QString title = m_title;
-    const double room = rect().width() - iconWidth - chevronGap - chevronSize.width();
+    const double room = rect().width() - sideRoom - iconWidth - chevronGap - chevronSize.width();
     if (titleWidth > room) {
         title = metrics.elidedText(m_title, Qt::ElideRight, room);
         titleWidth = metrics.horizontalAdvance(title);

@@ -6,6 +6,7 @@
 #include "Platform/Platform.h"
 #include "Platform/Workspace.h"
 #include "Settings.h"
+#include "Speech.h"
 #include "UI/PanelPlacement.h"
 #include "UI/ResultView.h"
 #include "UI/ResultViewModel.h"
@@ -33,7 +34,8 @@ double panelWidth()
 
 ResultPanelController::~ResultPanelController()
 {
-    close();
+    if (m_panel)
+        close();
 }
 
 void ResultPanelController::show(std::shared_ptr<ResultViewModel> model, std::optional<QRectF> near)
@@ -70,6 +72,7 @@ void ResultPanelController::show(std::shared_ptr<ResultViewModel> model, std::op
 void ResultPanelController::close()
 {
     auto panel = std::exchange(m_panel, nullptr);
+    Speech::shared().stop();
     if (const auto model = std::exchange(m_model, nullptr)) {
         if (const auto dismissed = std::exchange(model->onDismiss, nullptr))
             dismissed();

@@ -3,11 +3,12 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <map>
 
+#include <fcntl.h>
 #include <poll.h>
 #include <pthread.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include "Platform/SpeechSynthesizer.h"
 
@@ -15,30 +16,31 @@ namespace tovi {
 
 namespace {
 
-/// The library tells its callbacks nothing but the client's number.
-struct Clients
+/// The library tells its callbacks only a number of the connection, and crashes at a daemon that goes while
+/// it is asked for this number. So events belong to the connection that was opened last.
+struct Receiver
 {
     std::mutex mutex;
-    std::map<int, SpeechDispatcherConnection::EventHandler> handlers;
+    const SpeechDispatcherConnection *connection = nullptr;
+    SpeechDispatcherConnection::EventHandler handler;
 };
 
-Clients &clients()
+Receiver &receiver()
 {
-    static Clients instance;
+    static Receiver instance;
     return instance;
 }
 
 template <SpeechDispatcherConnection::Event event>
-void report(size_t message, size_t client, SPDNotificationType)
+void report(size_t message, size_t, SPDNotificationType)
 {
     // Closing cancels the library's thread, which must not unwind C++ code.
     int oldState = 0;
     ::pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &oldState);
     {
-        const std::scoped_lock lock(clients().mutex);
-        const auto it = clients().handlers.find(static_cast<int>(client));
-        if (it != clients().handlers.end())
-            it->second(static_cast<int>(message), event);
+        const std::scoped_lock lock(receiver().mutex);
+        if (receiver().handler)
+            receiver().handler(static_cast<int>(message), event);
     }
     ::pthread_setcancelstate(oldState, nullptr);
 }
@@ -57,13 +59,14 @@ bool SpeechDispatcherConnection::open(EventHandler handler)
     if (!m_connection)
         return false;
     {
+        // The library closes its own when the daemon goes, and the number may soon mean another file.
         const std::scoped_lock lock(m_socketMutex);
-        m_socket = m_connection->socket;
+        m_socket = ::fcntl(m_connection->socket, F_DUPFD_CLOEXEC, 0);
     }
-    m_client = m_library->getClientId(m_connection);
     {
-        const std::scoped_lock lock(clients().mutex);
-        clients().handlers[m_client] = std::move(handler);
+        const std::scoped_lock lock(receiver().mutex);
+        receiver().connection = this;
+        receiver().handler = std::move(handler);
     }
     m_connection->callback_begin = report<Event::began>;
     m_connection->callback_end = report<Event::ended>;
@@ -82,11 +85,14 @@ void SpeechDispatcherConnection::close()
     if (!m_connection)
         return;
     {
-        const std::scoped_lock lock(clients().mutex);
-        clients().handlers.erase(m_client);
+        const std::scoped_lock lock(receiver().mutex);
+        if (receiver().connection == this)
+            receiver().handler = nullptr;
     }
     {
         const std::scoped_lock lock(m_socketMutex);
+        if (m_socket >= 0)
+            ::close(m_socket);
         m_socket = -1;
     }
     m_library->close(m_connection);
@@ -95,10 +101,10 @@ void SpeechDispatcherConnection::close()
 
 bool SpeechDispatcherConnection::isOpen() const
 {
-    if (!m_connection)
+    if (m_socket < 0)
         return false;
     // A call on a connection that has ended may never return.
-    pollfd socket{.fd = m_connection->socket, .events = POLLRDHUP, .revents = 0};
+    pollfd socket{.fd = m_socket, .events = POLLRDHUP, .revents = 0};
     return ::poll(&socket, 1, 0) == 0;
 }
 

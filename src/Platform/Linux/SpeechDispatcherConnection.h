@@ -12,8 +12,8 @@ namespace tovi {
 
 struct SpeechUtterance;
 
-/// A connection to speech-dispatcher. Its operations wait for the daemon's answer, for ever where the daemon
-/// hangs; breakOff() ends such a wait. One thread at a time, which must block SIGPIPE.
+/// The connection to speech-dispatcher, one in a process. Its operations wait for the daemon's answer, for
+/// ever where the daemon hangs; breakOff() ends such a wait. One thread at a time, which must block SIGPIPE.
 class SpeechDispatcherConnection
 {
 public:
@@ -44,7 +44,6 @@ public:
 private:
     const SpeechDispatcherLibrary *m_library = nullptr;
     SPDConnection *m_connection = nullptr;
-    int m_client = 0;
     std::mutex m_socketMutex;
     int m_socket = -1;
 };

@@ -13,7 +13,6 @@ std::optional<SpeechDispatcherLibrary> loadFunctions()
     SpeechDispatcherLibrary speechd;
     const bool isComplete = library.load() && resolveFunction(library, speechd.open, "spd_open2") &&
                             resolveFunction(library, speechd.close, "spd_close") &&
-                            resolveFunction(library, speechd.getClientId, "spd_get_client_id") &&
                             resolveFunction(library, speechd.setNotificationOn, "spd_set_notification_on") &&
                             resolveFunction(library, speechd.setLanguage, "spd_set_language") &&
                             resolveFunction(library, speechd.setVoiceRate, "spd_set_voice_rate") &&

@@ -13,7 +13,6 @@ struct SpeechDispatcherLibrary
 
     decltype(&spd_open2) open = nullptr;
     decltype(&spd_close) close = nullptr;
-    decltype(&spd_get_client_id) getClientId = nullptr;
     decltype(&spd_set_notification_on) setNotificationOn = nullptr;
     decltype(&spd_set_language) setLanguage = nullptr;
     decltype(&spd_set_voice_rate) setVoiceRate = nullptr;

@@ -19,7 +19,7 @@ using namespace std::chrono_literals;
 constexpr Clock::Duration beginLimit = 10s; ///< a daemon starts meanwhile, or another program is being read
 constexpr Clock::Duration cancelLimit = 2s;
 constexpr Clock::Duration watchInterval = 1s;
-constexpr int silentLimit = 5; ///< intervals
+constexpr int silentLimit = 10; ///< intervals
 constexpr int quitLimitMilliseconds = 500;
 
 /// No voice is slower, so a reading that lasts longer hangs.
@@ -36,7 +36,7 @@ struct SpeechDispatcherSynthesizer::Reading
     std::atomic<bool> isStopped = false;
     std::atomic<bool> isUnreachable = false; ///< no daemon took it
     std::atomic<int> silentIntervals = 0;    ///< since the daemon was asked for a sign of life
-    Clock::Time latestEnd;                   ///< once it began; main thread
+    Clock::Time latestEnd;                   ///< or latest beginning; main thread
     Subscription limit;                      ///< main thread
 };
 
@@ -153,7 +153,8 @@ void SpeechDispatcherSynthesizer::speak(const Utterance &utterance)
     stop();
     const auto reading = std::make_shared<Reading>();
     reading->utterance = utterance;
-    arm(reading, beginLimit, &SpeechDispatcherSynthesizer::giveUp);
+    reading->latestEnd = m_clock.now() + beginLimit;
+    arm(reading, watchInterval, &SpeechDispatcherSynthesizer::watch);
     m_readings.push_back(reading);
     worker().queue.async([&worker = worker(), reading] { worker.speak(reading); });
 }
@@ -197,10 +198,7 @@ void SpeechDispatcherSynthesizer::handle(const ReadingPtr &reading, Event event)
 {
     switch (event) {
     case Event::began:
-        if (reading->isStopped)
-            return;
         reading->latestEnd = m_clock.now() + longestDuration(reading->utterance->text);
-        arm(reading, watchInterval, &SpeechDispatcherSynthesizer::watch);
         return;
     case Event::ended:
         if (reading->isUnreachable)

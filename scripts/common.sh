@@ -8,6 +8,7 @@ program_packages=(
     x11proto-dev libxcb1-dev libxcb-xinput-dev libxcb-xtest0-dev libxcb-xfixes0-dev libxcb-res0-dev
     libxcb-keysyms1-dev libxcb-xkb-dev libxcb-randr0-dev libxcb-shape0-dev libsystemd-dev
     libsecret-1-dev libcld2-dev libcurl4-openssl-dev ca-certificates
+    libspeechd-dev libspeechd2 speech-dispatcher speech-dispatcher-espeak-ng espeak-ng-data
     at-spi2-core dbus apertium apertium-eng-spa apertium-fr-es
     fonts-noto-core
 )

@@ -20,6 +20,7 @@ class PanelHost;
 class Pasteboard;
 class ScreenCapture;
 class SecretStore;
+class SpeechSynthesizer;
 class SystemLog;
 class TranslationFramework;
 class URLLoading;
@@ -48,6 +49,7 @@ public:
     virtual Pasteboard &pasteboard() = 0;
     virtual ScreenCapture &screenCapture() = 0;
     virtual SecretStore &secretStore() = 0;
+    virtual SpeechSynthesizer &speechSynthesizer() = 0;
     virtual SystemLog &systemLog() = 0;
     virtual TranslationFramework &translationFramework() = 0;
     virtual URLLoading &urlLoading() = 0;

@@ -7,6 +7,7 @@
 #include "Platform/Platform.h"
 #include "Platform/Workspace.h"
 #include "Settings.h"
+#include "Speech.h"
 #include "UI/PanelPlacement.h"
 #include "UI/ResultView.h"
 #include "UI/ResultViewModel.h"
@@ -38,7 +39,8 @@ double panelWidth()
 
 ResultPanelController::~ResultPanelController()
 {
-    close();
+    if (m_panel)
+        close();
 }
 
 void ResultPanelController::show(std::shared_ptr<ResultViewModel> model, std::optional<QRectF> near)
@@ -111,6 +113,7 @@ void ResultPanelController::close()
     auto panel = std::exchange(m_panel, nullptr);
     m_monitorDelay.reset();
     m_outsideMonitor.reset();
+    Speech::shared().stop();
     if (const auto model = std::exchange(m_model, nullptr)) {
         if (const auto dismissed = std::exchange(model->onDismiss, nullptr))
             dismissed();

@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QWidget>
 
+#include "Localization/Str.h"
 #include "Platform/Subscription.h"
 #include "UI/ResultViewModel.h"
 

@@ -6,6 +6,8 @@
 #include "Platform/Platform.h"
 #include "Platform/UserDefaults.h"
 #include "Settings.h"
+#include "Speech.h"
+#include "Text.h"
 
 namespace tovi {
 
@@ -116,6 +118,23 @@ void ResultViewModel::copyResult()
                                                                          : translatedText.get());
     didCopy = true;
     m_copyReset = Platform::current().clock().after(copyFeedback, [this] { didCopy = false; });
+}
+
+void ResultViewModel::toggleSpeech(SpeakingTarget target, const QString &text)
+{
+    if (isBlank(text))
+        return;
+    if (speakingTarget.get() == target) {
+        Speech::shared().stop();
+        speakingTarget = std::nullopt;
+        return;
+    }
+    speakingTarget = target;
+    Speech::shared().speak(text, [weak = weak_from_this(), target] {
+        const auto self = weak.lock();
+        if (self && self->speakingTarget.get() == target)
+            self->speakingTarget = std::nullopt;
+    });
 }
 
 } // namespace tovi

@@ -19,7 +19,7 @@
 namespace tovi {
 
 /// The observable state of one result panel; knows no window. Main thread.
-class ResultViewModel : public Observable
+class ResultViewModel : public Observable, public std::enable_shared_from_this<ResultViewModel>
 {
 public:
     enum class SpeakingTarget { source, translation };
@@ -73,6 +73,8 @@ public:
     void selectProvider(const QUuid &id);
     /// Copies the translation, else the source text.
     void copyResult();
+    /// Reads the text aloud, or stops where this target is being read. A blank text does nothing.
+    void toggleSpeech(SpeakingTarget target, const QString &text);
 
 private:
     const ProviderConfig *currentProvider() const;

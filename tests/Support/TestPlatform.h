@@ -26,6 +26,7 @@
 #include "Support/TestClock.h"
 #include "Support/TestPanelHost.h"
 #include "Support/TestSecretStore.h"
+#include "Support/TestSpeechSynthesizer.h"
 #include "Support/TestTranslationFramework.h"
 
 namespace tovi {
@@ -217,6 +218,7 @@ public:
     TestPasteboard &pasteboard() override { return m_pasteboard; }
     TestScreenCapture &screenCapture() override { return m_screenCapture; }
     TestSecretStore &secretStore() override { return m_secretStore; }
+    TestSpeechSynthesizer &speechSynthesizer() override { return m_speechSynthesizer; }
     TestSystemLog &systemLog() override { return m_systemLog; }
     TestTranslationFramework &translationFramework() override { return m_translationFramework; }
     URLLoading &urlLoading() override { return *m_urlLoading; }
@@ -238,6 +240,7 @@ private:
     TestPasteboard m_pasteboard;
     TestScreenCapture m_screenCapture;
     TestSecretStore m_secretStore;
+    TestSpeechSynthesizer m_speechSynthesizer;
     TestSystemLog m_systemLog;
     TestTranslationFramework m_translationFramework;
     std::unique_ptr<URLLoading> m_urlLoading = std::make_unique<TestURLLoading>();

@@ -1,18 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "Platform/Linux/CurlLibrary.h"
 
-#include <QLibrary>
+#include "Platform/Linux/ResolveFunction.h"
 
 namespace tovi {
 
 namespace {
-
-template <class Function>
-bool resolve(QLibrary &library, Function &function, const char *name)
-{
-    function = reinterpret_cast<Function>(library.resolve(name));
-    return function;
-}
 
 std::optional<CurlLibrary> loadFunctions()
 {
@@ -24,22 +17,22 @@ std::optional<CurlLibrary> loadFunctions()
     }
     CurlLibrary curl;
     decltype(&curl_global_init) globalInit = nullptr;
-    const bool isComplete = resolve(library, globalInit, "curl_global_init") &&
-                            resolve(library, curl.easyInit, "curl_easy_init") &&
-                            resolve(library, curl.easyCleanup, "curl_easy_cleanup") &&
-                            resolve(library, curl.easySetOption, "curl_easy_setopt") &&
-                            resolve(library, curl.easyGetInfo, "curl_easy_getinfo") &&
-                            resolve(library, curl.easyPause, "curl_easy_pause") &&
-                            resolve(library, curl.listAppend, "curl_slist_append") &&
-                            resolve(library, curl.listFree, "curl_slist_free_all") &&
-                            resolve(library, curl.multiInit, "curl_multi_init") &&
-                            resolve(library, curl.multiCleanup, "curl_multi_cleanup") &&
-                            resolve(library, curl.multiAdd, "curl_multi_add_handle") &&
-                            resolve(library, curl.multiRemove, "curl_multi_remove_handle") &&
-                            resolve(library, curl.multiPerform, "curl_multi_perform") &&
-                            resolve(library, curl.multiPoll, "curl_multi_poll") &&
-                            resolve(library, curl.multiWakeup, "curl_multi_wakeup") &&
-                            resolve(library, curl.multiInfoRead, "curl_multi_info_read");
+    const bool isComplete = resolveFunction(library, globalInit, "curl_global_init") &&
+                            resolveFunction(library, curl.easyInit, "curl_easy_init") &&
+                            resolveFunction(library, curl.easyCleanup, "curl_easy_cleanup") &&
+                            resolveFunction(library, curl.easySetOption, "curl_easy_setopt") &&
+                            resolveFunction(library, curl.easyGetInfo, "curl_easy_getinfo") &&
+                            resolveFunction(library, curl.easyPause, "curl_easy_pause") &&
+                            resolveFunction(library, curl.listAppend, "curl_slist_append") &&
+                            resolveFunction(library, curl.listFree, "curl_slist_free_all") &&
+                            resolveFunction(library, curl.multiInit, "curl_multi_init") &&
+                            resolveFunction(library, curl.multiCleanup, "curl_multi_cleanup") &&
+                            resolveFunction(library, curl.multiAdd, "curl_multi_add_handle") &&
+                            resolveFunction(library, curl.multiRemove, "curl_multi_remove_handle") &&
+                            resolveFunction(library, curl.multiPerform, "curl_multi_perform") &&
+                            resolveFunction(library, curl.multiPoll, "curl_multi_poll") &&
+                            resolveFunction(library, curl.multiWakeup, "curl_multi_wakeup") &&
+                            resolveFunction(library, curl.multiInfoRead, "curl_multi_info_read");
     if (!isComplete || globalInit(CURL_GLOBAL_DEFAULT) != CURLE_OK)
         return std::nullopt;
     return curl;

@@ -12,6 +12,7 @@
 #include "Platform/Linux/LinuxApplication.h"
 #include "Platform/Linux/LinuxClock.h"
 #include "Platform/Linux/LinuxSecretStore.h"
+#include "Platform/Linux/SpeechDispatcherSynthesizer.h"
 #include "Platform/Linux/SyslogLog.h"
 #include "Platform/Linux/XdgLoginItem.h"
 #include "Platform/NotificationCenter.h"
@@ -90,6 +91,7 @@ struct X11Platform::Services
                                      std::make_shared<XcbPrimarySelection>(), accessibilityScale()};
     ApertiumFramework translationFramework;
     CurlURLLoading urlLoading{clock, systemLog};
+    SpeechDispatcherSynthesizer speechSynthesizer{clock, systemLog};
 };
 
 bool X11Platform::canConnect()
@@ -169,6 +171,11 @@ ScreenCapture &X11Platform::screenCapture()
 SecretStore &X11Platform::secretStore()
 {
     return m_services->secretStore;
+}
+
+SpeechSynthesizer &X11Platform::speechSynthesizer()
+{
+    return m_services->speechSynthesizer;
 }
 
 SystemLog &X11Platform::systemLog()

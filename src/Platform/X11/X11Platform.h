@@ -31,6 +31,7 @@ public:
     Pasteboard &pasteboard() override;
     ScreenCapture &screenCapture() override;
     SecretStore &secretStore() override;
+    SpeechSynthesizer &speechSynthesizer() override;
     SystemLog &systemLog() override;
     TranslationFramework &translationFramework() override;
     URLLoading &urlLoading() override;

@@ -219,7 +219,7 @@ TEST_F(URLLoadingTest, ARedirectToAnotherHostCarriesNoKey)
 
 TEST_F(URLLoadingTest, SilenceAndSlownessEndByTheClock)
 {
-    std::binary_semaphore goOn{0};
+    std::counting_semaphore<> goOn{0};
     ScriptedServer server([&](const Request &request, Reply &reply) {
         if (request.target == "/trickle") {
             reply.beginStream();
@@ -267,13 +267,13 @@ TEST_F(URLLoadingTest, SilenceAndSlownessEndByTheClock)
     }
     EXPECT_EQ(pieces, 3);
 
-    goOn.release(); // the server finds out that nobody listens
+    goOn.release(100); // the server finds out that nobody listens
 }
 
 TEST_F(URLLoadingTest, WhatLiesUnreadCostsTheServerNoTime)
 {
-    std::binary_semaphore isRead{0};
-    std::binary_semaphore isSent{0};
+    std::counting_semaphore<> isRead{0};
+    std::counting_semaphore<> isSent{0};
     ScriptedServer server([&](const Request &request, Reply &reply) {
         if (request.target == "/other") {
             reply.answer(200, "other");
@@ -340,8 +340,8 @@ TEST_F(URLLoadingTest, WhatNobodyReadsStaysWithTheServer)
 
 TEST_F(URLLoadingTest, ConnectionsServeAgain)
 {
-    std::binary_semaphore isLeft{0};
-    std::binary_semaphore isSent{0};
+    std::counting_semaphore<> isLeft{0};
+    std::counting_semaphore<> isSent{0};
     ScriptedServer server([&](const Request &, Reply &reply) {
         reply.beginStream();
         reply.chunk("data: [DONE]\n\n");

@@ -81,24 +81,24 @@ void ScrollableTextView::setAttributedText(const AttributedText &text)
     const qsizetype kept = grows ? m_plain.size() : 0;
     m_text = text;
     m_plain = plain;
-    show(text, kept);
+    display(text, kept);
     if (isAtEnd)
         scrollToEndLater();
     else
         verticalScrollBar()->setValue(position);
 }
 
-void ScrollableTextView::show(const AttributedText &text, qsizetype from)
+void ScrollableTextView::display(const AttributedText &text, qsizetype from)
 {
     m_wrapWidth = viewport()->width();
-    if (from == 0) {
+    // Neither end of the selection moves on with text that is appended to it.
+    QTextCursor ends[] = {QTextCursor(document()), QTextCursor(document())};
+    ends[0].setPosition(textCursor().anchor());
+    ends[1].setPosition(textCursor().position());
+    for (QTextCursor &end : ends)
+        end.setKeepPositionOnInsert(true);
+    if (from == 0)
         document()->clear();
-    } else {
-        // Neither the selection nor the caret moves on with the text.
-        QTextCursor own = textCursor();
-        own.setKeepPositionOnInsert(true);
-        setTextCursor(own);
-    }
     qsizetype start = 0;
     for (const AttributedText::Run &run : text.runs) {
         const qsizetype skipped = std::clamp(from - start, qsizetype(0), run.text.size());
@@ -106,9 +106,10 @@ void ScrollableTextView::show(const AttributedText &text, qsizetype from)
             appendRun(QStringView(run.text).sliced(skipped), run);
         start += run.text.size();
     }
-    QTextCursor own = textCursor();
-    own.setKeepPositionOnInsert(false);
-    setTextCursor(own);
+    QTextCursor selection = textCursor();
+    selection.setPosition(ends[0].position());
+    selection.setPosition(ends[1].position(), QTextCursor::KeepAnchor);
+    setTextCursor(selection);
 }
 
 void ScrollableTextView::appendRun(QStringView text, const AttributedText::Run &run)
@@ -176,7 +177,7 @@ void ScrollableTextView::resizeEvent(QResizeEvent *event)
     // Where paragraphs were split depends on the width.
     const bool isSplit = document()->blockCount() > m_plain.count(u'\n') + 1;
     if (isSplit && viewport()->width() != m_wrapWidth)
-        show(m_text, 0);
+        display(m_text, 0);
 }
 
 void ScrollableTextView::changeEvent(QEvent *event)

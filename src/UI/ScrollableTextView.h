@@ -47,7 +47,7 @@ protected:
     QMimeData *createMimeDataFromSelection() const override;
 
 private:
-    void show(const AttributedText &text, qsizetype from);
+    void display(const AttributedText &text, qsizetype from);
     void appendRun(QStringView text, const AttributedText::Run &run);
     void splitLongParagraph();
     void scrollToEndLater();

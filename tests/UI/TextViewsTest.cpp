@@ -52,8 +52,9 @@ TEST(TextHeightCacheTest, MeasuresWhatTheViewsShow)
          {words(3000), QString(20'000, u'W'), QString(20'000, u'字'), QString(9000, u'א')}) {
         ScrollableTextView view;
         view.resize(300, 100);
-        view.ensurePolished();
+        view.show();
         view.setAttributedText(plain(text));
+        drainMainQueue();
         const double shown = view.document()->size().height() - 4;
         EXPECT_NEAR(height(text, view.viewport()->width() - 4), shown, shown * 0.06);
     }

@@ -7,6 +7,8 @@
 #include <QMimeData>
 #include <QTextDocument>
 
+#include "UI/OverlayScrollBar.h"
+
 namespace tovi {
 
 namespace {
@@ -20,7 +22,7 @@ EditableTextView::EditableTextView(QWidget *parent)
 {
     setFrameShape(QFrame::NoFrame);
     setTabChangesFocus(true);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    OverlayScrollBar::install(*this);
     setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     viewport()->setAutoFillBackground(false);
     document()->setDocumentMargin(inset);

@@ -23,6 +23,7 @@
 #include "UI/Controls/ProviderIcon.h"
 #include "UI/Controls/SystemColor.h"
 #include "UI/EditableTextView.h"
+#include "UI/OverlayScrollBar.h"
 #include "UI/PanelPlacement.h"
 #include "UI/ScrollableTextView.h"
 #include "UI/Spinner.h"
@@ -188,7 +189,8 @@ QWidget *ResultView::makeSourceSection()
     row->addWidget(m_sourceLanguage);
     row->addStretch(1);
     row->addWidget(m_speakSource);
-    QBoxLayout *text = makeRow(nullptr, 0, QMargins(textPadding, 0, textPadding, 6));
+    QBoxLayout *text =
+        makeRow(nullptr, 0, QMargins(textPadding, 0, textPadding - OverlayScrollBar::width, 6));
     text->addWidget(m_source);
     QBoxLayout *column = makeColumn(section);
     column->addLayout(row);
@@ -220,7 +222,8 @@ QWidget *ResultView::makeTranslationSection()
     row->addWidget(m_targetLanguage);
     row->addStretch(1);
     row->addWidget(m_speakTranslation);
-    QBoxLayout *text = makeRow(nullptr, 0, QMargins(textPadding, 0, textPadding, 6));
+    QBoxLayout *text =
+        makeRow(nullptr, 0, QMargins(textPadding, 0, textPadding - OverlayScrollBar::width, 6));
     text->addWidget(m_translation);
     QBoxLayout *result = makeColumn(m_resultView);
     result->addWidget(m_targetRow);
@@ -550,7 +553,7 @@ void ResultView::paintEvent(QPaintEvent *)
     const QRectF area = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
     QPainterPath outline;
     outline.addRoundedRect(area, cornerRadius, cornerRadius);
-    painter.fillPath(outline, palette().base());
+    painter.fillPath(outline, SystemColor::isDark(palette()) ? palette().window() : palette().base());
     painter.setPen(SystemColor::separator(palette()));
     painter.drawPath(outline);
     if (m_statusView->isVisible())

@@ -7,7 +7,10 @@
 #include <QMimeData>
 #include <QScrollBar>
 #include <QTextBlock>
+#include <QTextFrame>
 #include <QTextLayout>
+
+#include "UI/OverlayScrollBar.h"
 
 namespace tovi {
 
@@ -27,17 +30,17 @@ void AttributedText::append(const QString &text, const QFont &font, const QColor
     if (text.isEmpty())
         return;
     const auto add = [this, &color](const QString &part, const QFont &own) {
-        if (!runs.isEmpty() && runs.last().font == own && runs.last().color == color)
+        if (!runs.isEmpty() && !runs.last().gap && runs.last().font == own && runs.last().color == color)
             runs.last().text += part;
         else
-            runs.append({part, own, color});
+            runs.append({part, own, color, 0});
     };
     if (!runs.isEmpty()) {
         add(QStringLiteral("\n"), font);
         if (spacing > 0) {
             QFont gap = font;
             gap.setPixelSize(std::max(1, int(std::lround(spacing))));
-            add(QStringLiteral("\n"), gap);
+            runs.append({QStringLiteral("\n"), gap, color, int(std::lround(spacing))});
         }
     }
     add(text, font);
@@ -60,7 +63,7 @@ ScrollableTextView::ScrollableTextView(QWidget *parent)
     setTabChangesFocus(true);
     setCursorWidth(0);
     setUndoRedoEnabled(false);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    OverlayScrollBar::install(*this);
     setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     viewport()->setAutoFillBackground(false);
     document()->setDocumentMargin(inset);
@@ -82,7 +85,10 @@ void ScrollableTextView::setAttributedText(const AttributedText &text)
     m_text = text;
     m_plain = plain;
     display(text, kept);
-    if (isAtEnd)
+    // A text that comes whole is read from its beginning.
+    if (!grows)
+        verticalScrollBar()->setValue(0);
+    else if (isAtEnd)
         scrollToEndLater();
     else
         verticalScrollBar()->setValue(position);
@@ -97,8 +103,12 @@ void ScrollableTextView::display(const AttributedText &text, qsizetype from)
     ends[1].setPosition(textCursor().position());
     for (QTextCursor &end : ends)
         end.setKeepPositionOnInsert(true);
-    if (from == 0)
+    if (from == 0) {
         document()->clear();
+        QTextFrameFormat frame = document()->rootFrame()->frameFormat();
+        frame.setBottomMargin(0);
+        document()->rootFrame()->setFrameFormat(frame);
+    }
     qsizetype start = 0;
     for (const AttributedText::Run &run : text.runs) {
         const qsizetype skipped = std::clamp(from - start, qsizetype(0), run.text.size());
@@ -118,6 +128,14 @@ void ScrollableTextView::appendRun(QStringView text, const AttributedText::Run &
     format.setFont(run.font);
     format.setForeground(run.color);
     QTextCursor end(document());
+    if (run.gap) {
+        end.movePosition(QTextCursor::End);
+        QTextBlockFormat gap;
+        gap.setLineHeight(run.gap, QTextBlockFormat::FixedHeight);
+        end.setBlockFormat(gap);
+        end.insertBlock(QTextBlockFormat(), format);
+        return;
+    }
     // In parts, so that a paragraph that comes whole is split as well.
     while (!text.isEmpty()) {
         end.movePosition(QTextCursor::End);

@@ -16,6 +16,7 @@ struct AttributedText
         QString text;
         QFont font;
         QColor color;
+        int gap = 0; ///< points; for the line that the text ends, if it is an empty one between others
         bool operator==(const Run &) const = default;
     };
     QList<Run> runs;

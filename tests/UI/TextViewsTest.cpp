@@ -73,6 +73,11 @@ TEST(ScrollableTextViewTest, GrowingTextKeepsSelectionAndPlace)
     view.setAttributedText(plain(text));
     drainMainQueue();
     const QScrollBar *bar = view.verticalScrollBar();
+    EXPECT_EQ(bar->value(), 0) << "a whole text is read from its beginning";
+    view.verticalScrollBar()->setValue(bar->maximum() - 10);
+    text += words(50);
+    view.setAttributedText(plain(text));
+    drainMainQueue();
     EXPECT_EQ(bar->value(), bar->maximum()) << "a reader at the end stays there";
 
     QTextCursor cursor = view.textCursor();

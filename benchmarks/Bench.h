@@ -21,6 +21,7 @@ struct Programs
 };
 
 void benchLookups();
+void benchPanels();
 void benchStreams();
 double benchAccessibility(DesktopSession &desktop);
 void benchProgram(DesktopSession &desktop, const Programs &programs, double queryMilliseconds);

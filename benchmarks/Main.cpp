@@ -25,6 +25,7 @@ int main(int argc, char **argv)
                                    QCoreApplication::applicationDirPath() + QStringLiteral("/tovi-floor")};
     bench::benchLookups();
     bench::benchStreams();
+    bench::benchPanels();
     if (parser.isSet(QStringLiteral("no-desktop")))
         return 0;
     DesktopSession desktop({.trayHost = true});

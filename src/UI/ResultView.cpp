@@ -40,6 +40,7 @@ constexpr QSize smallButton(22, 22);
 constexpr QSize copyButton(24, 22);
 constexpr QSize speakButton(24, 24);
 constexpr double shortestSection = 84;
+constexpr std::chrono::milliseconds frameTime{16};
 
 QString t(Str key)
 {
@@ -278,18 +279,23 @@ void ResultView::scheduleRefresh()
     if (m_isRefreshPending || m_isRefreshing)
         return;
     m_isRefreshPending = true;
+    // A service may send text faster than anyone can read: once a frame is enough. A clock that stands still
+    // does not hold the view back.
+    Clock &clock = Platform::current().clock();
+    const auto shownFor = clock.now() - m_lastRefresh;
+    if (shownFor > Clock::Duration{} && shownFor < frameTime) {
+        m_nextFrame = clock.after(frameTime - shownFor, [this] { refresh(); });
+        return;
+    }
     QMetaObject::invokeMethod(
-        this,
-        [this] {
-            m_isRefreshPending = false;
-            refresh();
-        },
-        Qt::QueuedConnection);
+        this, [this] { refresh(); }, Qt::QueuedConnection);
 }
 
 void ResultView::refresh()
 {
+    m_isRefreshPending = false;
     m_isRefreshing = true;
+    m_lastRefresh = Platform::current().clock().now();
     refreshHeader();
     refreshMenus();
     refreshSource();

@@ -8,6 +8,7 @@
 #include <QWidget>
 
 #include "Localization/Str.h"
+#include "Platform/Clock.h"
 #include "Platform/Subscription.h"
 #include "UI/ResultViewModel.h"
 
@@ -102,6 +103,8 @@ private:
     Subscription m_modelChanges;
     Subscription m_languageChanges;
     Subscription m_tick;
+    Subscription m_nextFrame;
+    Clock::Time m_lastRefresh = Clock::distantPast();
     std::optional<QPointF> m_dragStart; ///< where the button went down, in the toolkit's coordinates
     QString m_shownMenus;               ///< what the menus were last made for
     bool m_isDragging = false;

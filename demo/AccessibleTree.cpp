@@ -64,6 +64,25 @@ QList<Address> children(const Address &object)
     return found;
 }
 
+QRect extents(const Address &object)
+{
+    constexpr quint32 screenCoordinates = 0;
+    const QVariant answer = call(object, QStringLiteral("org.a11y.atspi.Component"),
+                                 QStringLiteral("GetExtents"), {screenCoordinates})
+                                .value(0);
+    const auto rectangle = answer.value<QDBusArgument>();
+    if (rectangle.currentSignature() != QLatin1String("(iiii)"))
+        return {};
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+    rectangle.beginStructure();
+    rectangle >> x >> y >> width >> height;
+    rectangle.endStructure();
+    return {x, y, width, height};
+}
+
 void append(const Address &object, QList<Node> &nodes)
 {
     if (nodes.size() >= mostObjects)
@@ -76,6 +95,7 @@ void append(const Address &object, QList<Node> &nodes)
                     .variant()
                     .toString();
     node.text = call(object, text, QStringLiteral("GetText"), {0, -1}).value(0).toString();
+    node.extents = extents(object);
     nodes.append(node);
     for (const Address &child : children(object))
         append(child, nodes);

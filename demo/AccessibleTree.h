@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QList>
+#include <QRect>
 #include <QString>
 
 namespace tovi {
@@ -13,7 +14,8 @@ struct Node
 {
     QString role; ///< as AT-SPI names it: "frame", "push button", "text"
     QString name;
-    QString text; ///< of objects that have text
+    QString text;  ///< of objects that have text
+    QRect extents; ///< on the screen, in its pixels; empty where nothing is shown
 };
 
 /// Switches the session's accessibility bus on, as a screen reader does at its start.

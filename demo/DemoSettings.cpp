@@ -42,11 +42,16 @@ QJsonObject chatEngine(const QString &baseURL)
 
 void writeDemoSettings(const DesktopSession &desktop, const QJsonObject &engine)
 {
+    writeDemoSettings(desktop, QJsonArray{engine});
+}
+
+void writeDemoSettings(const DesktopSession &desktop, const QJsonArray &engines)
+{
     const QJsonObject settings{{QStringLiteral("targetLanguage"), QStringLiteral("es")},
                                {QStringLiteral("ocrEnabled"), false},
                                {QStringLiteral("hasCompletedOnboarding"), true},
-                               {QStringLiteral("currentProviderID"), engine[QLatin1String("id")]},
-                               {QStringLiteral("providers"), QJsonArray{engine}}};
+                               {QStringLiteral("currentProviderID"), engines[0][QLatin1String("id")]},
+                               {QStringLiteral("providers"), engines}};
     QDir().mkpath(desktop.home() + QStringLiteral("/config/tovi"));
     desktop.writeFile(QStringLiteral("config/tovi/defaults.json"),
                       QString::fromUtf8(QJsonDocument(settings).toJson()));

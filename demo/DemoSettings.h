@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QJsonArray>
 #include <QJsonObject>
 
 namespace tovi {
@@ -12,7 +13,9 @@ class DesktopSession;
 QJsonObject onDeviceEngine();
 QJsonObject chatEngine(const QString &baseURL);
 
-/// Writes the program's settings into the desktop's configuration folder: into Spanish by this engine.
+/// Writes the program's settings into the desktop's configuration folder: into Spanish by this engine,
+/// or the first of these.
+void writeDemoSettings(const DesktopSession &desktop, const QJsonArray &engines);
 void writeDemoSettings(const DesktopSession &desktop, const QJsonObject &engine = onDeviceEngine());
 
 } // namespace tovi

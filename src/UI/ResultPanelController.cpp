@@ -90,22 +90,11 @@ void ResultPanelController::installOutsideMonitor()
 
 void ResultPanelController::enableDragging()
 {
-    struct Drag
-    {
-        QPointF panel;
-        QPointF pointer;
+    const auto start = std::make_shared<QPointF>();
+    m_view->onPress = [this, start] { *start = m_panel->frame().topLeft(); };
+    m_view->onDragged = [this, start](QPointF offset) {
+        m_panel->setFrame(QRectF(*start + offset, m_panel->frame().size()));
     };
-    const auto drag = std::make_shared<std::optional<Drag>>();
-    m_view->onDragBegan = [this, drag] {
-        if (const auto pointer = workspace().mouseLocation())
-            *drag = Drag{m_panel->frame().topLeft(), *pointer};
-    };
-    m_view->onDragMoved = [this, drag] {
-        const auto pointer = workspace().mouseLocation();
-        if (m_panel && *drag && pointer)
-            m_panel->setFrame(QRectF((*drag)->panel + *pointer - (*drag)->pointer, m_panel->frame().size()));
-    };
-    m_view->onDragEnded = [drag] { drag->reset(); };
 }
 
 void ResultPanelController::close()
@@ -122,8 +111,10 @@ void ResultPanelController::close()
     if (!panel)
         return;
     panel->onEscape = nullptr;
-    if (m_view)
-        m_view->onDragBegan = m_view->onDragMoved = m_view->onDragEnded = nullptr;
+    if (m_view) {
+        m_view->onPress = nullptr;
+        m_view->onDragged = nullptr;
+    }
     panel->orderOut();
     panel.reset();
     if (const auto closed = std::exchange(onClosed, nullptr))

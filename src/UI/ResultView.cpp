@@ -501,27 +501,23 @@ bool ResultView::eventFilter(QObject *watched, QEvent *event)
 bool ResultView::drag(QMouseEvent *event, int threshold)
 {
     if (event->type() == QEvent::MouseButtonPress) {
-        if (event->button() == Qt::LeftButton)
+        if (event->button() == Qt::LeftButton) {
             m_dragStart = event->globalPosition();
+            if (onPress)
+                onPress();
+        }
         return false;
     }
     if (event->type() == QEvent::MouseButtonRelease) {
         m_dragStart.reset();
-        if (!std::exchange(m_isDragging, false))
-            return false;
-        if (onDragEnded)
-            onDragEnded();
-        return true;
+        return std::exchange(m_isDragging, false);
     }
     if (!m_dragStart || !(event->buttons() & Qt::LeftButton))
         return false;
-    if (!m_isDragging && (event->globalPosition() - *m_dragStart).manhattanLength() >= threshold) {
-        m_isDragging = true;
-        if (onDragBegan)
-            onDragBegan();
-    }
-    if (m_isDragging && onDragMoved)
-        onDragMoved();
+    const QPointF offset = event->globalPosition() - *m_dragStart;
+    m_isDragging |= offset.manhattanLength() >= threshold;
+    if (m_isDragging && onDragged)
+        onDragged(QPointF(offset.x(), -offset.y()));
     return m_isDragging;
 }
 

@@ -38,10 +38,10 @@ public:
     /// The font of results, and those of the smaller lines below.
     static QFont textFont(double pixels);
 
-    /// The header, or the space between controls, is dragged: at its beginning, at each move, at its end.
-    std::function<void()> onDragBegan;
-    std::function<void()> onDragMoved;
-    std::function<void()> onDragEnded;
+    /// The button goes down where the panel may be dragged: on its header or between its controls.
+    std::function<void()> onPress;
+    /// The pointer has moved by this from there: points, y up.
+    std::function<void(QPointF offset)> onDragged;
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 

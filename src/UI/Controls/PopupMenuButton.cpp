@@ -59,6 +59,18 @@ public:
             QAccessibleWidget::doAction(name);
     }
 
+    // The toolkit lists no menu by itself that is no widget's child.
+    int childCount() const override { return button()->menu() ? 1 : 0; }
+    QAccessibleInterface *child(int index) const override
+    {
+        return index == 0 && button()->menu() ? QAccessible::queryAccessibleInterface(button()->menu())
+                                              : nullptr;
+    }
+    int indexOfChild(const QAccessibleInterface *child) const override
+    {
+        return child && button()->menu() && child->object() == button()->menu() ? 0 : -1;
+    }
+
 private:
     PopupMenuButton *button() const { return static_cast<PopupMenuButton *>(widget()); }
 };

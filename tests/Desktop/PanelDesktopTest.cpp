@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: MIT
+// Works a result panel with real keys and a real pointer.
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include "Desktop/ProgramFixture.h"
+#include "ScriptedServer.h"
+
+namespace tovi {
+namespace {
+
+/// Translates into "model, target language: text".
+void answer(const ScriptedServer::Request &request, ScriptedServer::Reply &reply)
+{
+    const QJsonObject body = QJsonDocument::fromJson(request.body).object();
+    const QJsonArray messages = body[QLatin1String("messages")].toArray();
+    const auto content = [&](int i) { return messages.at(i)[QLatin1String("content")].toString(); };
+    const QString text =
+        QStringLiteral("%1, %2: %3").arg(body[QLatin1String("model")].toString(), content(0), content(1));
+    const QJsonObject delta{{QStringLiteral("delta"), QJsonObject{{QStringLiteral("content"), text}}}};
+    const QJsonObject event{{QStringLiteral("choices"), QJsonArray{delta}}};
+    reply.answer(200, "data: " + QJsonDocument(event).toJson(QJsonDocument::Compact) + "\n\n");
+}
+
+class PanelDesktop : public ProgramDesktop
+{
+protected:
+    using Node = AccessibleTree::Node;
+
+    void SetUp() override
+    {
+        ProgramDesktop::SetUp();
+        if (!DesktopSession::isInstalled(QStringLiteral("mousepad")))
+            GTEST_SKIP() << "mousepad is not installed";
+        QJsonObject one = chatEngine(server.origin());
+        one[QStringLiteral("name")] = QStringLiteral("First & best");
+        one[QStringLiteral("model")] = QStringLiteral("one");
+        one[QStringLiteral("systemPrompt")] = QStringLiteral("{{target}}");
+        QJsonObject two = one;
+        two[QStringLiteral("id")] = secondEngine;
+        two[QStringLiteral("name")] = QStringLiteral("Second");
+        two[QStringLiteral("model")] = QStringLiteral("two");
+        writeDemoSettings(desktop, QJsonArray{one, two});
+        startProgram();
+        startEditor();
+        ASSERT_TRUE(capture());
+    }
+
+    QList<Node> nodes(const QString &name, const QString &role = {}) const
+    {
+        QList<Node> found;
+        for (const Node &node : AccessibleTree::read(tovi->processId())) {
+            if (node.name.contains(name) && (role.isEmpty() || node.role == role) && !node.extents.isEmpty())
+                found << node;
+        }
+        return found;
+    }
+    Node sourceField() const
+    {
+        return nodes(QStringLiteral("Source Language: "), QStringLiteral("text")).value(0);
+    }
+    /// Clicks the latest of the shown objects of this name.
+    bool click(const QString &name, const QString &role = {})
+    {
+        if (!DesktopSession::eventually([&] { return !nodes(name, role).isEmpty(); },
+                                        std::chrono::seconds(10)))
+            return false;
+        desktop.click(nodes(name, role).last().extents.center());
+        return true;
+    }
+    int panelCount() const { return int(nodes(QStringLiteral("Pin")).size()); }
+    bool hasPanels(int count)
+    {
+        return DesktopSession::eventually([&] { return panelCount() == count; }, std::chrono::seconds(10));
+    }
+    QJsonValue setting(const char *key) const
+    {
+        QFile file(settingsFile(QStringLiteral("defaults.json")));
+        if (!file.open(QFile::ReadOnly))
+            return {};
+        return QJsonDocument::fromJson(file.readAll())[QLatin1String(key)];
+    }
+    /// A place of the editor that no panel covers.
+    QPoint besides() const { return desktop.geometry(editorWindow).bottomLeft() + QPoint(30, -30); }
+
+    const QString menuButton = QStringLiteral("button menu");
+    const QString secondEngine = QStringLiteral("7D2B6C1E-52B4-4A57-9B0E-0C6E1B1C9A02");
+    ScriptedServer server{answer};
+};
+
+TEST_F(PanelDesktop, IsWorkedByKeysAndPointer)
+{
+    ASSERT_TRUE(shows(QStringLiteral("one, Spanish: ") + sentence));
+
+    // The pin, and the header as a handle.
+    ASSERT_TRUE(click(QStringLiteral("Pin")));
+    const QRect pin = nodes(QStringLiteral("Pin")).last().extents;
+    const QPoint header = pin.center() + QPoint(70, 0);
+    desktop.drag(header, header + QPoint(90, 160));
+    EXPECT_TRUE(DesktopSession::eventually(
+        [&] {
+            return nodes(QStringLiteral("Pin")).value(0).extents.topLeft() == pin.topLeft() + QPoint(90, 160);
+        },
+        std::chrono::seconds(10)));
+
+    // What is copied can be pasted: here, into the source.
+    ASSERT_TRUE(click(QStringLiteral("Copy")));
+    desktop.click(sourceField().extents.center());
+    desktop.pressKey(XK_End, {XK_Control_L});
+    desktop.pressKey(XK_v, {XK_Control_L});
+    EXPECT_TRUE(shows(sentence + QStringLiteral("one, Spanish: ") + sentence));
+
+    // Another language becomes the default one, another engine as well.
+    ASSERT_TRUE(click(QStringLiteral("Translate to"), menuButton));
+    ASSERT_TRUE(click(QStringLiteral("Français")));
+    EXPECT_TRUE(shows(QStringLiteral("one, French: ")));
+    EXPECT_EQ(setting("targetLanguage"), QJsonValue(QStringLiteral("fr")));
+    ASSERT_TRUE(click(QStringLiteral("Default Engine"), menuButton));
+    ASSERT_TRUE(click(QStringLiteral("Second")));
+    EXPECT_TRUE(shows(QStringLiteral("two, French: ")));
+    EXPECT_EQ(setting("currentProviderID"), QJsonValue(secondEngine));
+
+    // The source is edited and submitted.
+    desktop.click(sourceField().extents.center());
+    desktop.pressKey(XK_a, {XK_Control_L});
+    for (const xcb_keysym_t key : {XK_h, XK_o, XK_u, XK_s, XK_e, XK_Return})
+        desktop.pressKey(key);
+    EXPECT_TRUE(shows(QStringLiteral("two, French: house")));
+
+    // Further captures leave the pinned panel and replace the other one.
+    ASSERT_TRUE(capture());
+    EXPECT_TRUE(hasPanels(2));
+    ASSERT_TRUE(capture());
+    EXPECT_TRUE(hasPanels(2));
+    EXPECT_TRUE(shows(QStringLiteral("two, French: house")));
+    desktop.pressKey(XK_Escape);
+    EXPECT_TRUE(hasPanels(1));
+    EXPECT_TRUE(isEditorActive());
+
+    // A click elsewhere closes what is not pinned, and the keyboard stays where it was clicked.
+    ASSERT_TRUE(capture());
+    EXPECT_TRUE(hasPanels(2));
+    DesktopSession::rest(std::chrono::milliseconds(400));
+    desktop.click(besides());
+    EXPECT_TRUE(hasPanels(1));
+    EXPECT_TRUE(isEditorActive());
+    desktop.click(nodes(QStringLiteral("Pin")).value(0).extents.center() + QPoint(70, 0));
+    DesktopSession::rest(std::chrono::milliseconds(200));
+    desktop.pressKey(XK_Escape);
+    EXPECT_TRUE(hasPanels(0));
+}
+
+TEST_F(PanelDesktop, IsReachedByTheKeyboardAlone)
+{
+    ASSERT_TRUE(shows(QStringLiteral("one, Spanish: ")));
+    // Pin, close, source language.
+    for (int i = 0; i < 3; ++i)
+        desktop.pressKey(XK_Tab);
+    desktop.pressKey(XK_space);
+    ASSERT_TRUE(DesktopSession::eventually([&] { return !nodes(QStringLiteral("日本語")).isEmpty(); },
+                                           std::chrono::seconds(10)));
+    // Esc belongs to the menu first.
+    desktop.pressKey(XK_Escape);
+    EXPECT_TRUE(DesktopSession::eventually([&] { return nodes(QStringLiteral("日本語")).isEmpty(); },
+                                           std::chrono::seconds(10)));
+    EXPECT_EQ(panelCount(), 1);
+    desktop.pressKey(XK_Escape);
+    EXPECT_TRUE(hasPanels(0));
+    EXPECT_TRUE(isEditorActive());
+}
+
+} // namespace
+} // namespace tovi

@@ -25,7 +25,8 @@ constexpr quint32 allDesktops = 0xffffffff;
 constexpr int shadowReach = 28;
 constexpr int shadowDrop = 6;
 constexpr int shadowCorner = shadowReach + PanelWindow::cornerRadius + shadowReach;
-constexpr double shadowStrength = 0.34;
+constexpr double shadowSoftness = 14; // how far inside the panel it begins to fade
+constexpr double shadowStrength = 0.3;
 
 struct Atoms
 {
@@ -81,7 +82,8 @@ QPixmap renderShadow(double scale)
             const double dx = std::max(std::abs(x + 0.5 - middle) - half, 0.0);
             const double dy = std::max(std::abs(y + 0.5 - middle - shadowDrop * scale) - half, 0.0);
             const double distance = std::hypot(dx, dy) / scale - PanelWindow::cornerRadius;
-            const double far = std::clamp(distance / (shadowReach - shadowDrop), 0.0, 1.0);
+            const double far = std::clamp(
+                (distance + shadowSoftness) / (shadowReach - shadowDrop + shadowSoftness), 0.0, 1.0);
             const double fading = (1 - far) * (1 - far) * (1 - far);
             line[x] = qRgba(0, 0, 0, qRound(255 * shadowStrength * fading));
         }

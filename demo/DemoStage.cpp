@@ -79,6 +79,8 @@ bool DemoStage::shows(const std::function<bool(const QString &)> &condition) con
 
 bool DemoStage::dismiss() const
 {
+    // A panel is painted a moment before it gets the keyboard.
+    DesktopSession::eventually([&] { return m_desktop.activeWindow() != m_editor; }, std::chrono::seconds(5));
     m_desktop.pressKey(XK_Escape);
     return DesktopSession::eventually([&] { return m_desktop.activeWindow() == m_editor; },
                                       std::chrono::seconds(10));

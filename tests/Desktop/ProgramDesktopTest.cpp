@@ -64,6 +64,7 @@ TEST_F(ProgramDesktop, AStoppedApplicationEndsInAMessageAndTheNextCaptureWorks)
     EXPECT_TRUE(captured && captured->numbers.value("source") == -1);
     EXPECT_TRUE(shows(QStringLiteral("No selected text found.")));
     ::kill(pid_t(editor->processId()), SIGCONT);
+    ASSERT_TRUE(isPanelActive());
     desktop.pressKey(XK_Escape);
     ASSERT_TRUE(isEditorActive());
     EXPECT_TRUE(capture());

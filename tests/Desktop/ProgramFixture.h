@@ -50,7 +50,8 @@ protected:
             desktop.pressKeyTimed(XK_d, XK_Alt_L);
             const auto captured = trace.next("captured");
             // Its place tells that the text came from the editor and not from the primary selection.
-            return captured && trace.next("panelPainted") && captured->numbers.value("bounds") == 1;
+            return captured && trace.next("panelPainted") && captured->numbers.value("bounds") == 1 &&
+                   isPanelActive();
         });
     }
     QStringList shownTexts()
@@ -66,6 +67,11 @@ protected:
     {
         return DesktopSession::eventually(
             [&] { return shownTexts().join(QLatin1Char('\n')).contains(part); });
+    }
+    /// It is painted a moment before it gets the keyboard.
+    bool isPanelActive()
+    {
+        return DesktopSession::eventually([&] { return desktop.activeWindow() != editorWindow; });
     }
     bool isEditorActive()
     {

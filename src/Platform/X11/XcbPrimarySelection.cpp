@@ -15,19 +15,23 @@ constexpr int sizeLimit = 16 << 20;
 
 PrimarySelection::Answer XcbPrimarySelection::read(const ActiveWindow &window, QDeadlineTimer deadline)
 {
-    std::unique_lock lock(m_connection.mutex(),
-                          std::chrono::nanoseconds(std::max<qint64>(deadline.remainingTimeNSecs(), 0)));
+    const std::chrono::nanoseconds left(std::max<qint64>(deadline.remainingTimeNSecs(), 0));
+    std::unique_lock lock(m_mutex, left);
     if (!lock)
         return {Status::TimedOut, {}};
-    m_server = m_connection.get();
-    if (!m_server)
+    // The server may have gone and come back.
+    if (!m_session || !m_session->isOpen())
+        m_session.emplace();
+    if (!m_session->isOpen())
         return {Status::Unavailable, {}};
+    m_session->startDeadline(std::chrono::duration_cast<std::chrono::milliseconds>(left));
+    m_server = m_session->connection();
     // A window for this read alone: answers that come too late find nobody.
     m_requestor = xcb_generate_id(m_server);
     const quint32 eventMask = XCB_EVENT_MASK_PROPERTY_CHANGE;
-    xcb_create_window(m_server, 0, m_requestor, m_connection.screen()->root, -1, -1, 1, 1, 0,
+    xcb_create_window(m_server, 0, m_requestor, m_session->root(), -1, -1, 1, 1, 0,
                       XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &eventMask);
-    m_property = m_connection.atom("TOVI_SELECTION");
+    m_property = m_session->atom("TOVI_SELECTION");
     Answer answer = readLocked(window, deadline);
     xcb_destroy_window(m_server, m_requestor);
     xcb_flush(m_server);
@@ -39,25 +43,25 @@ PrimarySelection::Answer XcbPrimarySelection::read(const ActiveWindow &window, Q
 PrimarySelection::Answer XcbPrimarySelection::readLocked(const ActiveWindow &window,
                                                          const QDeadlineTimer &deadline)
 {
-    const XcbOwned<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
-        m_server, xcb_get_selection_owner(m_server, XCB_ATOM_PRIMARY), nullptr));
+    const auto owner = m_session->reply<xcb_get_selection_owner_reply_t>(
+        xcb_get_selection_owner(m_server, XCB_ATOM_PRIMARY));
     if (!owner)
         return {Status::Unavailable, {}};
     if (owner->owner == XCB_WINDOW_NONE || !ownedBy(owner->owner, window))
         return {Status::NotOwner, {}};
 
-    const Transfer targets = convert(m_connection.atom("TARGETS"), deadline);
+    const Transfer targets = convert(m_session->atom("TARGETS"), deadline);
     if (targets.status != Status::Text)
         return {targets.status, {}};
     QList<xcb_atom_t> offered(targets.property.data.size() / qsizetype(sizeof(xcb_atom_t)));
     if (targets.property.format == 32)
         std::memcpy(offered.data(), targets.property.data.constData(), offered.size() * sizeof(xcb_atom_t));
-    if (offered.contains(m_connection.atom("x-kde-passwordManagerHint")))
+    if (offered.contains(m_session->atom("x-kde-passwordManagerHint")))
         return {Status::NoText, {}};
 
-    const xcb_atom_t utf8 = m_connection.atom("UTF8_STRING");
+    const xcb_atom_t utf8 = m_session->atom("UTF8_STRING");
     for (const xcb_atom_t target :
-         {utf8, m_connection.atom("text/plain;charset=utf-8"), xcb_atom_t(XCB_ATOM_STRING)}) {
+         {utf8, m_session->atom("text/plain;charset=utf-8"), xcb_atom_t(XCB_ATOM_STRING)}) {
         if (!offered.contains(target))
             continue;
         const Transfer transfer = convert(target, deadline);
@@ -77,11 +81,11 @@ bool XcbPrimarySelection::ownedBy(xcb_window_t owner, const ActiveWindow &window
     if (window.id == 0 || window.id > std::numeric_limits<xcb_window_t>::max())
         return false;
     const auto active = static_cast<xcb_window_t>(window.id);
-    if (m_connection.sameClient(owner, active))
+    if (m_session->isSameClient(owner, active))
         return true;
     // An application may own selections through a second connection.
-    const qint64 process = m_connection.processOf(owner);
-    return process != 0 && process == m_connection.processOf(active);
+    const qint64 process = m_session->processOf(owner);
+    return process != 0 && process == m_session->processOf(active);
 }
 
 XcbPrimarySelection::Transfer XcbPrimarySelection::convert(xcb_atom_t target, const QDeadlineTimer &deadline)
@@ -104,7 +108,7 @@ XcbPrimarySelection::Transfer XcbPrimarySelection::convert(xcb_atom_t target, co
     auto property = takeProperty();
     if (!property)
         return {Status::NoText, {}};
-    if (property->type == m_connection.atom("INCR"))
+    if (property->type == m_session->atom("INCR"))
         return receiveIncrements(deadline);
     return {Status::Text, std::move(*property)};
 }
@@ -139,9 +143,8 @@ XcbPrimarySelection::Transfer XcbPrimarySelection::receiveIncrements(const QDead
 
 std::optional<XcbPrimarySelection::Property> XcbPrimarySelection::takeProperty()
 {
-    const XcbOwned<xcb_get_property_reply_t> reply(xcb_get_property_reply(
-        m_server, xcb_get_property(m_server, true, m_requestor, m_property, XCB_ATOM_ANY, 0, sizeLimit / 4),
-        nullptr));
+    const auto reply = m_session->reply(
+        xcb_get_property(m_server, true, m_requestor, m_property, XCB_ATOM_ANY, 0, sizeLimit / 4));
     if (!reply || reply->bytes_after > 0)
         return std::nullopt;
     return Property{reply->type, reply->format,

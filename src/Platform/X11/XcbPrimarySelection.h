@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <mutex>
 #include <optional>
 
 #include "Platform/Linux/PrimarySelection.h"
-#include "Platform/X11/XcbSideConnection.h"
+#include "Platform/X11/XcbSession.h"
 
 namespace tovi {
 
@@ -37,7 +38,8 @@ private:
     template <class Wanted>
     XcbOwned<xcb_generic_event_t> waitFor(Wanted wanted, const QDeadlineTimer &deadline);
 
-    XcbSideConnection m_connection;
+    std::timed_mutex m_mutex; ///< guards the rest
+    std::optional<XcbSession> m_session;
     xcb_connection_t *m_server = nullptr;       ///< during a read
     xcb_window_t m_requestor = XCB_WINDOW_NONE; ///< during a read
     xcb_atom_t m_property = XCB_ATOM_NONE;

@@ -9,10 +9,15 @@
 namespace tovi {
 
 XcbSession::XcbSession()
-    : m_connection(xcb_connect(nullptr, nullptr))
 {
-    if (isOpen())
-        m_root = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root;
+    int screen = 0;
+    m_connection = xcb_connect(nullptr, &screen);
+    if (!isOpen())
+        return;
+    xcb_screen_iterator_t screens = xcb_setup_roots_iterator(xcb_get_setup(m_connection));
+    while (screen-- > 0 && screens.rem > 1)
+        xcb_screen_next(&screens);
+    m_root = screens.data->root;
 }
 
 XcbSession::~XcbSession()
@@ -31,10 +36,28 @@ xcb_get_property_cookie_t XcbSession::requestProperty(xcb_window_t window, xcb_a
     return xcb_get_property(m_connection, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, length);
 }
 
-xcb_atom_t XcbSession::atom(QByteArrayView name)
+xcb_atom_t XcbSession::atom(const QByteArray &name)
 {
+    if (const xcb_atom_t known = m_atoms.value(name, XCB_ATOM_NONE))
+        return known;
     const auto answer = reply<xcb_intern_atom_reply_t>(requestAtom(m_connection, name));
-    return answer ? answer->atom : xcb_atom_t(XCB_ATOM_NONE);
+    return answer ? *m_atoms.insert(name, answer->atom) : xcb_atom_t(XCB_ATOM_NONE);
+}
+
+qint64 XcbSession::processOf(quint32 resource)
+{
+    const auto *extension = xcb_get_extension_data(m_connection, &xcb_res_id);
+    if (!extension || !extension->present)
+        return 0;
+    const xcb_res_client_id_spec_t question{resource, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+    return localClientPid(
+        reply<xcb_res_query_client_ids_reply_t>(xcb_res_query_client_ids(m_connection, 1, &question)).get());
+}
+
+bool XcbSession::isSameClient(quint32 one, quint32 other) const
+{
+    const quint32 own = ~xcb_get_setup(m_connection)->resource_id_mask;
+    return (one & own) == (other & own);
 }
 
 void *XcbSession::waitForReply(unsigned sequence)

@@ -3,6 +3,8 @@
 
 #include <chrono>
 
+#include <QHash>
+
 #include "Platform/X11/Xcb.h"
 
 namespace tovi {
@@ -41,13 +43,19 @@ public:
     /// A request for a property of any type, at most `length` four-byte units.
     xcb_get_property_cookie_t requestProperty(xcb_window_t window, xcb_atom_t property,
                                               quint32 length = 256) const;
-    xcb_atom_t atom(QByteArrayView name);
+    /// Asked for once.
+    xcb_atom_t atom(const QByteArray &name);
+    /// The local process that the client owning `resource` runs in; 0 where the server does not know.
+    qint64 processOf(quint32 resource);
+    /// Whether two resources belong to the same client.
+    bool isSameClient(quint32 one, quint32 other) const;
 
 private:
     void *waitForReply(unsigned sequence);
 
-    xcb_connection_t *m_connection;
+    xcb_connection_t *m_connection = nullptr;
     xcb_window_t m_root = 0;
+    QHash<QByteArray, xcb_atom_t> m_atoms;
     Time m_deadline = Time::max();
 };
 

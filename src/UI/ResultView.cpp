@@ -387,10 +387,21 @@ void ResultView::refreshTranslation()
 {
     const bool showsStatus =
         m_model->translatedText->isEmpty() && (m_model->ocrProgress.get() || m_model->isLoading);
+    // What hides would hand the keyboard on to its neighbour.
+    QWidget *focused = focusWidget();
+    if (showsStatus && focused && m_resultView->isAncestorOf(focused)) {
+        m_parkedFocus = focused;
+        setFocus();
+    }
     m_statusView->setVisible(showsStatus);
     m_resultView->setVisible(!showsStatus);
     m_targetRow->setVisible(!m_model->translatedText->isEmpty() || m_model->isInputPanel);
     m_translation->setAttributedText(translationAttributed());
+    if (!showsStatus && m_parkedFocus) {
+        if (hasFocus())
+            m_parkedFocus->setFocus(Qt::TabFocusReason);
+        m_parkedFocus.clear();
+    }
     refreshSpeakButton(*m_speakTranslation, SpeakingTarget::translation, Str::resultSpeakTranslation);
     m_showsResult = !m_model->isLoading;
 }

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include <QLabel>
+#include <QPointer>
 #include <QWidget>
 
 #include "Localization/Str.h"
@@ -106,6 +107,7 @@ private:
     Subscription m_nextFrame;
     Clock::Time m_lastRefresh = Clock::distantPast();
     std::optional<QPointF> m_dragStart; ///< where the button went down, in the toolkit's coordinates
+    QPointer<QWidget> m_parkedFocus;    ///< while what had the keyboard is hidden
     QString m_shownMenus;               ///< what the menus were last made for
     bool m_isDragging = false;
     bool m_isRefreshPending = false;

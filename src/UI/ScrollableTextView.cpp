@@ -77,16 +77,21 @@ void ScrollableTextView::setAttributedText(const AttributedText &text)
     const QScrollBar *bar = verticalScrollBar();
     const int position = bar->value();
     const bool isAtEnd = position >= bar->maximum() - followDistance;
-    // The colours of what stays cannot have changed unless the appearance did.
-    const bool grows = !m_plain.isEmpty() && plain.size() > m_plain.size() && plain.startsWith(m_plain) &&
-                       m_text.runs.first().color == text.runs.first().color &&
-                       m_text.runs.first().font == text.runs.first().font;
-    const qsizetype kept = grows ? m_plain.size() : 0;
+    const auto common = std::mismatch(plain.begin(), plain.end(), m_plain.begin(), m_plain.end()).first;
+    qsizetype kept = common - plain.begin();
+    // Most of it must be the same text in the same colours: else it is another one.
+    const bool isSame = kept > 0 && kept >= m_plain.size() / 2 && !text.runs.isEmpty() &&
+                        m_text.runs.first().color == text.runs.first().color &&
+                        m_text.runs.first().font == text.runs.first().font;
+    if (isSame)
+        removeTail(m_plain.size() - kept);
+    else
+        kept = 0;
     m_text = text;
     m_plain = plain;
     display(text, kept);
     // A text that comes whole is read from its beginning.
-    if (!grows)
+    if (!isSame)
         verticalScrollBar()->setValue(0);
     else if (isAtEnd)
         scrollToEndLater();
@@ -146,6 +151,27 @@ void ScrollableTextView::appendRun(QStringView text, const AttributedText::Run &
     }
 }
 
+void ScrollableTextView::removeTail(qsizetype count)
+{
+    while (count > 0) {
+        const QTextBlock last = document()->lastBlock();
+        const qsizetype length = last.length() - 1; // without its end
+        QTextCursor cursor(document());
+        cursor.movePosition(QTextCursor::End);
+        if (count <= length) {
+            cursor.setPosition(cursor.position() - int(count), QTextCursor::KeepAnchor);
+            cursor.removeSelectedText();
+            return;
+        }
+        // The break before a block that continues a paragraph is none of the text.
+        const bool continuesIt = last.previous().userState() == continues;
+        count -= length + (continuesIt ? 0 : 1);
+        cursor.setPosition(last.position() - 1, QTextCursor::KeepAnchor);
+        cursor.removeSelectedText();
+        document()->lastBlock().setUserState(-1);
+    }
+}
+
 void ScrollableTextView::splitLongParagraph()
 {
     for (;;) {
@@ -196,6 +222,20 @@ void ScrollableTextView::resizeEvent(QResizeEvent *event)
     const bool isSplit = document()->blockCount() > m_plain.count(u'\n') + 1;
     if (isSplit && viewport()->width() != m_wrapWidth)
         display(m_text, 0);
+}
+
+void ScrollableTextView::focusInEvent(QFocusEvent *event)
+{
+    // Who comes by keyboard selects by keyboard, and must see where.
+    const bool isByKey = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    setCursorWidth(isByKey ? 1 : 0);
+    QTextEdit::focusInEvent(event);
+}
+
+void ScrollableTextView::focusOutEvent(QFocusEvent *event)
+{
+    QTextEdit::focusOutEvent(event);
+    setCursorWidth(0);
 }
 
 void ScrollableTextView::changeEvent(QEvent *event)

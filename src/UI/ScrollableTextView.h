@@ -45,11 +45,14 @@ protected:
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void changeEvent(QEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
     QMimeData *createMimeDataFromSelection() const override;
 
 private:
     void display(const AttributedText &text, qsizetype from);
     void appendRun(QStringView text, const AttributedText::Run &run);
+    void removeTail(qsizetype count);
     void splitLongParagraph();
     void scrollToEndLater();
 

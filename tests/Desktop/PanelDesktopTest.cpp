@@ -93,6 +93,16 @@ TEST_F(PanelDesktop, IsWorkedByKeysAndPointer)
 {
     ASSERT_TRUE(shows(QStringLiteral("one, Spanish: ") + sentence));
 
+    // Pressed again with the panel open, the shortcut still means the editor and its selection.
+    const QRect place = nodes(QStringLiteral("Pin")).value(0).extents;
+    trace.clear();
+    desktop.pressKeyTimed(XK_d, XK_Alt_L);
+    const auto again = trace.next("captured");
+    EXPECT_TRUE(again && again->numbers.value("bounds") == 1);
+    ASSERT_TRUE(trace.next("panelPainted"));
+    EXPECT_TRUE(hasPanels(1));
+    EXPECT_EQ(nodes(QStringLiteral("Pin")).value(0).extents, place);
+
     // The pin, and the header as a handle.
     ASSERT_TRUE(click(QStringLiteral("Pin")));
     const QRect pin = nodes(QStringLiteral("Pin")).last().extents;

@@ -92,6 +92,15 @@ TEST(ScrollableTextViewTest, GrowingTextKeepsSelectionAndPlace)
     EXPECT_EQ(view.textCursor().selectedText(), selected);
     EXPECT_EQ(bar->value(), 10);
 
+    // A tail that goes, and one that comes instead, move nothing else.
+    view.setAttributedText(plain(text.trimmed()));
+    AttributedText noted = plain(text.trimmed());
+    noted.append(QStringLiteral("note"), font(10), Qt::red, 6);
+    view.setAttributedText(noted);
+    drainMainQueue();
+    EXPECT_EQ(view.textCursor().selectedText(), selected);
+    EXPECT_EQ(bar->value(), 10);
+
     // Other beginnings replace the whole, further lines are appended with their own fonts.
     AttributedText other = plain(QStringLiteral("other"));
     other.append(QStringLiteral("note"), font(10), Qt::red, 6);
@@ -115,6 +124,9 @@ TEST(ScrollableTextViewTest, ALongParagraphIsCopiedAsItIs)
             view.setAttributedText(plain(text.first(end)));
         }
         EXPECT_GT(view.document()->blockCount(), 2) << "it is laid out as one";
+        view.setAttributedText(plain(text.chopped(3500)));
+        EXPECT_EQ(view.toPlainText().remove(u'\n').size(), text.chopped(3500).remove(u'\n').size());
+        view.setAttributedText(plain(text));
         const auto copied = [&] {
             view.copy();
             return QApplication::clipboard()->text();

@@ -13,6 +13,7 @@ struct ActiveWindow
     qint64 processIdentifier = 0; ///< 0 where the window does not tell
     QString title;                ///< may be empty
     quint64 id = 0;               ///< means something only to the display server's own services
+    bool hasKeyboard = true;      ///< false while one of our panels has it
     bool operator==(const ActiveWindow &) const = default;
 };
 

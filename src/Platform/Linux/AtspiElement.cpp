@@ -38,7 +38,8 @@ AXResult AtspiSystemWideElement::focusedElement()
     if (!window)
         return {AXError::NoValue, {}};
     const auto frame = AtspiTree::windowObject(request, *window);
-    const auto focused = frame ? AtspiTree::focusedObject(request, *frame) : std::nullopt;
+    const auto focused =
+        frame ? AtspiTree::focusedObject(request, *frame, window->hasKeyboard) : std::nullopt;
     if (focused) {
         const AtspiText::Selection own = AtspiText::selection(request, *focused);
         if (own.range)

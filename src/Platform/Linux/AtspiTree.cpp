@@ -190,13 +190,15 @@ std::optional<AtspiObject> windowObject(AtspiRequest &request, const ActiveWindo
     return std::nullopt;
 }
 
-std::optional<AtspiObject> focusedObject(AtspiRequest &request, const AtspiObject &window)
+std::optional<AtspiObject> focusedObject(AtspiRequest &request, const AtspiObject &window, bool hasKeyboard)
 {
     const AtspiObject last = request.lastFocus(window);
     if (!last.isNull()) {
         const quint64 states =
             AtspiReply::states(request.call(request.method(last, Atspi::accessible, "GetState")));
-        if (Atspi::has(states, Atspi::StateFocused) && Atspi::has(states, Atspi::StateShowing))
+        // A window that has lost the keyboard to us will have its focus where it was.
+        if (Atspi::has(states, Atspi::StateShowing) &&
+            (!hasKeyboard || Atspi::has(states, Atspi::StateFocused)))
             return last;
     }
     std::optional<AtspiObject> focused = askCollection(request, window);

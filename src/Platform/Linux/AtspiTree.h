@@ -16,7 +16,7 @@ namespace tovi::AtspiTree {
 /// The accessible object of the desktop's active window.
 std::optional<AtspiObject> windowObject(AtspiRequest &request, const ActiveWindow &window);
 /// The object inside the window that has the keyboard focus.
-std::optional<AtspiObject> focusedObject(AtspiRequest &request, const AtspiObject &window);
+std::optional<AtspiObject> focusedObject(AtspiRequest &request, const AtspiObject &window, bool hasKeyboard);
 /// The innermost object of the window at the point (the desktop's pixels).
 std::optional<AtspiObject> objectAt(AtspiRequest &request, const AtspiObject &window, QPoint point);
 std::optional<AtspiObject> parent(AtspiRequest &request, const AtspiObject &object);

@@ -64,7 +64,8 @@ quint32 FrontWindow::activeWindowId()
 quint32 FrontWindow::frontWindow()
 {
     const quint32 active = activeWindowId();
-    if (!active || m_panels.contains(active))
+    m_hasKeyboard = !m_panels.contains(active);
+    if (!active || !m_hasKeyboard)
         return active ? m_lastWindow : 0;
     return m_lastWindow = active;
 }
@@ -81,7 +82,7 @@ std::optional<ActiveWindow> FrontWindow::activeWindow()
     const auto front = details();
     if (!front)
         return std::nullopt;
-    return ActiveWindow{front->window.processIdentifier, front->title, front->window.id};
+    return ActiveWindow{front->window.processIdentifier, front->title, front->window.id, front->hasKeyboard};
 }
 
 std::optional<FrontWindow::Details> FrontWindow::details()
@@ -111,6 +112,7 @@ std::optional<FrontWindow::Details> FrontWindow::details()
 
     Details details;
     details.window.id = id;
+    details.hasKeyboard = m_hasKeyboard;
     details.title = QString::fromUtf8(title);
     // Inside a sandbox an application counts processes its own way; the server knows the real one.
     details.window.processIdentifier = localClientPid(clients.get());

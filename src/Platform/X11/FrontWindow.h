@@ -30,6 +30,7 @@ public:
         Window window;
         QString title; ///< may be empty
         ApplicationHints hints;
+        bool hasKeyboard = true; ///< false while one of our panels has it
     };
 
     FrontWindow();
@@ -67,6 +68,7 @@ private:
         m_strutPartialAtom, m_supportedAtom, m_nameAtom, m_stateAtom;
     bool m_hasResources = false;
     std::set<quint32> m_panels;
+    bool m_hasKeyboard = true; // whether the last window has it, and no panel of ours
     quint32 m_lastWindow = 0;
     xcb_window_t m_timeWindow = 0; // made for serverTime()
 };

@@ -8,7 +8,6 @@
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QPainterPath>
 #include <QPixmap>
 #include <QWindow>
 
@@ -59,13 +58,6 @@ void requestOfWindowManager(xcb_window_t window, xcb_atom_t type, std::initializ
     xcb_send_event(QtXcb::connection(), 0, QtXcb::root(),
                    XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                    reinterpret_cast<const char *>(&event));
-}
-
-QPainterPath outline(const QRectF &rect)
-{
-    QPainterPath path;
-    path.addRoundedRect(rect, PanelWindow::cornerRadius, PanelWindow::cornerRadius);
-    return path;
 }
 
 /// The shadow of the smallest panel there is: four corners with one pixel between them. Fades out like a
@@ -224,7 +216,7 @@ void PanelWindow::escape()
 
 void PanelWindow::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier) {
+    if (event->key() == Qt::Key_Escape) {
         event->accept();
         escape();
     } else {
@@ -276,17 +268,38 @@ void PanelWindow::layOut()
     const QRect panel = rect().marginsRemoved(shadowMargins());
     if (m_content)
         m_content->setGeometry(panel);
-    if (m_compositing)
-        clearMask();
-    else
-        setMask(QRegion(outline(panel).toFillPolygon().toPolygon()));
-    // What is clicked is the panel, not its shadow.
     const double scale = devicePixelRatioF();
+    setBoundingShape(scale);
+    // What is clicked is the panel, not its shadow.
     const xcb_rectangle_t input{int16_t(panel.x() * scale), int16_t(panel.y() * scale),
                                 uint16_t(panel.width() * scale), uint16_t(panel.height() * scale)};
     xcb_shape_rectangles(QtXcb::connection(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT,
                          XCB_CLIP_ORDERING_UNSORTED, static_cast<xcb_window_t>(winId()), 0, 0, 1, &input);
     announceShadow();
+}
+
+/// Without translucency the corners are cut, pixel row by pixel row. The toolkit's masks know whole points
+/// only.
+void PanelWindow::setBoundingShape(double scale) const
+{
+    auto *connection = QtXcb::connection();
+    const auto window = static_cast<xcb_window_t>(winId());
+    if (m_compositing) {
+        xcb_shape_mask(connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, window, 0, 0, XCB_PIXMAP_NONE);
+        return;
+    }
+    const int width = qRound(rect().width() * scale);
+    const int height = qRound(rect().height() * scale);
+    const double radius = cornerRadius * scale;
+    std::vector<xcb_rectangle_t> rows;
+    for (int y = 0; y < height; ++y) {
+        const double fromEdge = std::min(y, height - 1 - y) + 0.5;
+        const double up = std::max(radius - fromEdge, 0.0);
+        const int inset = int(std::floor(radius - std::sqrt(radius * radius - up * up)));
+        rows.push_back({int16_t(inset), int16_t(y), uint16_t(width - 2 * inset), 1});
+    }
+    xcb_shape_rectangles(connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, XCB_CLIP_ORDERING_YX_SORTED,
+                         window, 0, 0, uint32_t(rows.size()), rows.data());
 }
 
 /// Window managers that know the property keep the panel, not its shadow, on the screen.

@@ -48,6 +48,7 @@ private:
     void requestStates();
     QMargins shadowMargins() const;
     void layOut();
+    void setBoundingShape(double scale) const;
     void announceShadow() const;
 
     QPointer<QWidget> m_content;

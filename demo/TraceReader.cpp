@@ -18,6 +18,7 @@ TraceReader::TraceReader()
     m_readEnd = ends[0];
     m_writeEnd = ends[1];
     ::fcntl(m_readEnd, F_SETFL, O_NONBLOCK);
+    ::fcntl(m_writeEnd, F_SETFL, O_NONBLOCK); // marks that nobody reads must not hold up the program
     ::fcntl(m_readEnd, F_SETFD, FD_CLOEXEC);
 }
 

@@ -40,7 +40,8 @@ TEST_F(SpeechTest, ChoosesTheVoiceByTheFirstCharacterOfAScript)
         {u"Hello, мир 한", "ru-RU"},
     };
     for (const auto &[text, language] : cases)
-        EXPECT_EQ(Speech::language(text), QLatin1String(language)) << QStringView(text).toString().toStdString();
+        EXPECT_EQ(Speech::language(text), QLatin1String(language))
+            << QStringView(text).toString().toStdString();
 }
 
 TEST_F(SpeechTest, TellsTheEndOfTheLatestTextOnly)

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QMenu>
 #include <QPointer>
+#include <QScreen>
 #include <QWindow>
 
 #include "UI/Controls/MenuStyle.h"
@@ -44,7 +45,13 @@ QMenu *popUp(std::unique_ptr<QMenu> menu, QWidget &owner, QPoint at)
     if (QWindow *window = shown->windowHandle())
         window->setTransientParent(owner.window()->windowHandle());
     openMenu = shown;
-    shown->popup(owner.mapToGlobal(at));
+    QPoint corner = owner.mapToGlobal(at);
+    // Where there is no room below, the toolkit would put it over its owner.
+    const int height = shown->sizeHint().height();
+    const QScreen *screen = owner.screen();
+    if (screen && corner.y() + height > screen->availableGeometry().bottom() + 1)
+        corner.setY(owner.mapToGlobal(QPoint()).y() - height);
+    shown->popup(corner);
     return shown;
 }
 

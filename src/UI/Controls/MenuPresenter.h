@@ -16,8 +16,8 @@ std::unique_ptr<QMenu> makeMenu();
 /// Text for a menu item that shows exactly this title.
 QString literalTitle(const QString &title);
 
-/// Shows it with its upper-left corner at a point of the owner, and deletes it after it has closed. It goes
-/// with its owner.
+/// Shows it with its upper-left corner at a point of the owner, or above the owner where there is no room,
+/// and deletes it after it has closed. It goes with its owner.
 QMenu *popUp(std::unique_ptr<QMenu> menu, QWidget &owner, QPoint at);
 
 /// Whether such a menu is open: presses then belong to it, wherever they are.

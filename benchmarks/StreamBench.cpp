@@ -2,7 +2,6 @@
 #include <ctime>
 
 #include <QFile>
-#include <QProcess>
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QThread>
@@ -122,25 +121,6 @@ double cpuPerDelta(DispatchQueue &queue, const ScriptedServer &server, const QSt
     return count > 1 ? (last - first) / (count - 1) : 0;
 }
 
-ScriptedServer::Tls makeCertificate()
-{
-    QTemporaryDir folder;
-    const QString certificate = folder.filePath(QStringLiteral("certificate.pem"));
-    const QString key = folder.filePath(QStringLiteral("key.pem"));
-    QProcess openssl;
-    openssl.start(QStringLiteral("openssl"),
-                  QStringLiteral("req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=test "
-                                 "-addext subjectAltName=IP:127.0.0.1 -out %1 -keyout %2")
-                      .arg(certificate, key)
-                      .split(u' '));
-    openssl.waitForFinished();
-    const auto contents = [](const QString &path) {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    };
-    return {contents(certificate), contents(key)};
-}
-
 QCoro::Task<QByteArray> fetch(URLSession &session, QUrl url)
 {
     const auto task = session.start({.url = url});
@@ -151,7 +131,7 @@ QCoro::Task<QByteArray> fetch(URLSession &session, QUrl url)
 /// Each round on connections of its own: the first request, then another.
 void benchConnections(TestPlatform &platform, Clock &clock)
 {
-    const ScriptedServer::Tls tls = makeCertificate();
+    const ScriptedServer::Tls tls = ScriptedServer::Tls::make();
     QTemporaryDir folder;
     QFile authority(folder.filePath(QStringLiteral("authority.pem")));
     if (!authority.open(QIODevice::WriteOnly) || authority.write(tls.certificate) < 0)

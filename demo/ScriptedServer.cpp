@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "ScriptedServer.h"
 
+#include <QFile>
+#include <QProcess>
 #include <QSslCertificate>
 #include <QSslKey>
 #include <QSslSocket>
+#include <QTemporaryDir>
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -93,6 +96,25 @@ void ScriptedServer::Reply::stall()
     QByteArray ignored;
     while (receive(m_socket, ignored))
         ignored.clear();
+}
+
+ScriptedServer::Tls ScriptedServer::Tls::make()
+{
+    const QTemporaryDir folder;
+    const QString certificate = folder.filePath(QStringLiteral("certificate.pem"));
+    const QString key = folder.filePath(QStringLiteral("key.pem"));
+    QProcess openssl;
+    openssl.start(QStringLiteral("openssl"),
+                  QStringLiteral("req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=test "
+                                 "-addext subjectAltName=IP:127.0.0.1 -out %1 -keyout %2")
+                      .arg(certificate, key)
+                      .split(u' '));
+    openssl.waitForFinished();
+    const auto contents = [](const QString &path) {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    return {contents(certificate), contents(key)};
 }
 
 ScriptedServer::ScriptedServer(Handler handler, const std::optional<Tls> &tls)

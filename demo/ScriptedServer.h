@@ -66,6 +66,10 @@ public:
     {
         QByteArray certificate; ///< PEM
         QByteArray key;         ///< PEM, RSA
+
+        /// A fresh one for the loopback address that vouches for itself, made with the openssl program; empty
+        /// where that fails.
+        static Tls make();
     };
 
     explicit ScriptedServer(Handler handler, const std::optional<Tls> &tls = std::nullopt);

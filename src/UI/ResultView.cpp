@@ -104,6 +104,22 @@ QBoxLayout *makeColumn(QWidget *owner, int spacing = 0, const QMargins &margins 
     return column;
 }
 
+QBoxLayout *makeLanguageRow(QWidget *owner, PopupMenuButton *menu, IconButton *speak)
+{
+    QBoxLayout *row = makeRow(owner, 8, QMargins(sidePadding, 2, sidePadding, 0));
+    row->addWidget(menu);
+    row->addStretch(1);
+    row->addWidget(speak);
+    return row;
+}
+
+QBoxLayout *makeTextRow(QWidget *text)
+{
+    QBoxLayout *row = makeRow(nullptr, 0, QMargins(textPadding, 0, textPadding - OverlayScrollBar::width, 6));
+    row->addWidget(text);
+    return row;
+}
+
 QLabel *makeStatusLabel(QWidget *owner, int pixels)
 {
     auto *label = new QLabel(owner);
@@ -157,6 +173,7 @@ QWidget *ResultView::makeHeader()
 {
     auto *header = new QWidget(this);
     m_pin = new IconButton(smallButton, header);
+    m_pin->setCheckable(true);
     auto *logo = new Logo(header);
     m_close = new IconButton(smallButton, header);
     QBoxLayout *row = makeRow(header, 6, QMargins(sidePadding, 8, sidePadding, 4));
@@ -186,16 +203,9 @@ QWidget *ResultView::makeSourceSection()
     m_sourceLanguage = new PopupMenuButton(section);
     m_speakSource = new IconButton(speakButton, section);
     m_source = new EditableTextView(section);
-    QBoxLayout *row = makeRow(nullptr, 8, QMargins(sidePadding, 2, sidePadding, 0));
-    row->addWidget(m_sourceLanguage);
-    row->addStretch(1);
-    row->addWidget(m_speakSource);
-    QBoxLayout *text =
-        makeRow(nullptr, 0, QMargins(textPadding, 0, textPadding - OverlayScrollBar::width, 6));
-    text->addWidget(m_source);
     QBoxLayout *column = makeColumn(section);
-    column->addLayout(row);
-    column->addLayout(text, 1);
+    column->addLayout(makeLanguageRow(nullptr, m_sourceLanguage, m_speakSource));
+    column->addLayout(makeTextRow(m_source), 1);
     connect(m_source, &EditableTextView::edited, this,
             [this](const QString &edited) { m_model->sourceText = edited; });
     connect(m_source, &EditableTextView::submitted, this, [this] {
@@ -219,16 +229,10 @@ QWidget *ResultView::makeTranslationSection()
     m_targetLanguage = new PopupMenuButton(m_targetRow);
     m_speakTranslation = new IconButton(speakButton, m_targetRow);
     m_translation = new ScrollableTextView(m_resultView);
-    QBoxLayout *row = makeRow(m_targetRow, 8, QMargins(sidePadding, 2, sidePadding, 0));
-    row->addWidget(m_targetLanguage);
-    row->addStretch(1);
-    row->addWidget(m_speakTranslation);
-    QBoxLayout *text =
-        makeRow(nullptr, 0, QMargins(textPadding, 0, textPadding - OverlayScrollBar::width, 6));
-    text->addWidget(m_translation);
+    makeLanguageRow(m_targetRow, m_targetLanguage, m_speakTranslation);
     QBoxLayout *result = makeColumn(m_resultView);
     result->addWidget(m_targetRow);
-    result->addLayout(text, 1);
+    result->addLayout(makeTextRow(m_translation), 1);
     QBoxLayout *column = makeColumn(section);
     column->addWidget(m_statusView);
     column->addWidget(m_resultView, 1);
@@ -311,7 +315,6 @@ void ResultView::refreshHeader()
     const bool isPinned = m_model->isPinned;
     m_pin->setIcon(QStringLiteral("LucidePin"), QString::fromLatin1(isPinned ? "pin.fill" : "pin"), 16,
                    isPinned ? SystemColor::red(palette()) : QColor());
-    m_pin->setCheckable(true);
     m_pin->setChecked(isPinned);
     m_pin->setHelp(t(Str::resultPin));
     m_close->setIcon(QStringLiteral("xmark"), 13, {}, IconWeight::semibold);

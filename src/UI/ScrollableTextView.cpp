@@ -25,10 +25,14 @@ constexpr int continues = 1; // state of a block that the next one continues
 
 } // namespace
 
-void AttributedText::append(const QString &text, const QFont &font, const QColor &color, double spacing)
+void AttributedText::append(const QString &appended, const QFont &font, const QColor &color, double spacing)
 {
-    if (text.isEmpty())
+    if (appended.isEmpty())
         return;
+    // A document counts every line end as one character.
+    QString text = appended;
+    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    text.replace(u'\r', u'\n').replace(QChar::ParagraphSeparator, u'\n');
     const auto add = [this, &color](const QString &part, const QFont &own) {
         if (!runs.isEmpty() && !runs.last().gap && runs.last().font == own && runs.last().color == color)
             runs.last().text += part;
@@ -79,6 +83,8 @@ void ScrollableTextView::setAttributedText(const AttributedText &text)
     const bool isAtEnd = position >= bar->maximum() - followDistance;
     const auto common = std::mismatch(plain.begin(), plain.end(), m_plain.begin(), m_plain.end()).first;
     qsizetype kept = common - plain.begin();
+    if (kept > 0 && plain.at(kept - 1).isHighSurrogate())
+        --kept; // a character is kept whole or not at all
     // Most of it must be the same text in the same colours: else it is another one.
     const bool isSame = kept > 0 && kept >= m_plain.size() / 2 && !text.runs.isEmpty() &&
                         m_text.runs.first().color == text.runs.first().color &&
@@ -236,13 +242,6 @@ void ScrollableTextView::focusOutEvent(QFocusEvent *event)
 {
     QTextEdit::focusOutEvent(event);
     setCursorWidth(0);
-}
-
-void ScrollableTextView::changeEvent(QEvent *event)
-{
-    QTextEdit::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange)
-        viewport()->update();
 }
 
 QMimeData *ScrollableTextView::createMimeDataFromSelection() const

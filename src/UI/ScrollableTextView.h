@@ -23,7 +23,7 @@ struct AttributedText
 
     /// Starts a new line, below a gap of `spacing` points, where there is text already. An empty text adds
     /// nothing.
-    void append(const QString &text, const QFont &font, const QColor &color, double spacing = 0);
+    void append(const QString &appended, const QFont &font, const QColor &color, double spacing = 0);
     QString plainText() const;
 };
 
@@ -44,7 +44,6 @@ signals:
 protected:
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
-    void changeEvent(QEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
     QMimeData *createMimeDataFromSelection() const override;

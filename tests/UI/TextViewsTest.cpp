@@ -101,6 +101,13 @@ TEST(ScrollableTextViewTest, GrowingTextKeepsSelectionAndPlace)
     EXPECT_EQ(view.textCursor().selectedText(), selected);
     EXPECT_EQ(bar->value(), 10);
 
+    // However the lines end, and wherever a character was cut.
+    for (const QString &end : {QStringLiteral("z\r\n"), QStringLiteral("z\r"), QStringLiteral("z\xd83d")}) {
+        view.setAttributedText(plain(text + end));
+        view.setAttributedText(plain(text + u'z'));
+        EXPECT_EQ(view.toPlainText().right(7), text.right(6) + u'z');
+    }
+
     // Other beginnings replace the whole, further lines are appended with their own fonts.
     AttributedText other = plain(QStringLiteral("other"));
     other.append(QStringLiteral("note"), font(10), Qt::red, 6);

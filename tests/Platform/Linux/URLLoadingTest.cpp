@@ -4,9 +4,7 @@
 #include <atomic>
 #include <semaphore>
 
-#include <QFile>
-#include <QProcess>
-#include <QTemporaryDir>
+#include <QTemporaryFile>
 
 #include "Platform/Linux/CurlURLLoading.h"
 #include "ScriptedServer.h"
@@ -364,20 +362,12 @@ TEST_F(URLLoadingTest, ConnectionsServeAgain)
 
 TEST_F(URLLoadingTest, OnlyTrustedCertificatesAreTrusted)
 {
-    QTemporaryDir folder;
-    const QString certificate = folder.filePath(QStringLiteral("certificate.pem"));
-    const QString key = folder.filePath(QStringLiteral("key.pem"));
-    QProcess openssl;
-    openssl.start(QStringLiteral("openssl"),
-                  QStringLiteral("req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=test "
-                                 "-addext subjectAltName=IP:127.0.0.1 -out %1 -keyout %2")
-                      .arg(certificate, key)
-                      .split(u' '));
-    ASSERT_TRUE(openssl.waitForFinished());
-    const auto contents = [](const QString &path) {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    };
+    const auto certificate = ScriptedServer::Tls::make();
+    ASSERT_FALSE(certificate.certificate.isEmpty());
+    QTemporaryFile authorities;
+    ASSERT_TRUE(authorities.open());
+    authorities.write(certificate.certificate);
+    ASSERT_TRUE(authorities.flush());
     ScriptedServer plain([](const Request &, Reply &reply) { reply.answer(200, "open"); });
     const auto answer = [&](const Request &request, Reply &reply) {
         if (request.target == "/open")
@@ -385,9 +375,9 @@ TEST_F(URLLoadingTest, OnlyTrustedCertificatesAreTrusted)
         else
             reply.answer(200, "secret");
     };
-    ScriptedServer server(answer, ScriptedServer::Tls{contents(certificate), contents(key)});
+    ScriptedServer server(answer, certificate);
     EXPECT_EQ(failure(server.origin()), Code::serverCertificateUntrusted);
-    const Variable authority("SSL_CERT_FILE", certificate.toUtf8());
+    const Variable authority("SSL_CERT_FILE", authorities.fileName().toUtf8());
     const int before = server.connectionCount();
     for (int i = 0; i < 3; ++i)
         EXPECT_EQ(await(fetch(server.origin())).body, "secret");

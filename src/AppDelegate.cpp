@@ -36,8 +36,10 @@ void AppDelegate::applicationDidFinishLaunching()
     platform.application().setActivationPolicy(Application::ActivationPolicy::Accessory);
     Settings::shared().applyAppearance();
     setupMainMenu();
+    setupTextEditingMonitor();
     setupStatusItem();
     setupHotKeys();
+    setupDoubleCopyMonitor();
     if (!platform.accessibility().isProcessTrusted())
         platform.accessibility().requestTrust();
     handleArguments(platform.application().arguments());

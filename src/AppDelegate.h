@@ -15,11 +15,13 @@
 
 #include "Capture/CaptureResult.h"
 #include "Capture/OCRCapturer.h"
+#include "Platform/Clock.h"
 #include "Platform/Subscription.h"
 
 namespace tovi {
 
 class GlobalHotKey;
+struct KeyEvent;
 class ResultViewModel;
 
 /// The coordinator: brings the program up and runs every flow from a trigger to a result panel. Main thread.
@@ -59,6 +61,11 @@ private:
     void hotKeyRecordingChanged(const QVariantMap &userInfo);
     void languageChanged();
 
+    // Key monitors
+    void setupTextEditingMonitor();
+    void setupDoubleCopyMonitor();
+    void copyKeyPressed(const KeyEvent &event);
+
     // Menus
     void setupMainMenu();
     void setupStatusItem();
@@ -72,6 +79,8 @@ private:
     void abandonSlowCapture(qint64 token, const ProgressHolder &holder);
     QCoro::Task<> performRegionOCR(QRectF rect, qint64 token, std::optional<QString> appName);
     Model showOCRProgress(qint64 token, std::optional<QRectF> bounds, std::optional<QString> appName);
+    /// Translates what the user has copied.
+    QCoro::Task<> captureFromPasteboard();
     void showMessage(const QString &message);
     void present(const CaptureResult &capture, Model existingModel);
     void configure(const Model &model);
@@ -84,6 +93,9 @@ private:
     std::unique_ptr<GlobalHotKey> m_captureHotKey;
     std::unique_ptr<GlobalHotKey> m_ocrHotKey;
     std::unique_ptr<GlobalHotKey> m_inputHotKey;
+    Subscription m_keyMonitor;         ///< of the copy key, in other applications
+    Subscription m_textEditingMonitor; ///< in the program's own windows
+    Clock::Time m_lastCopyTime = Clock::distantPast();
     bool m_isCapturing = false;
     qint64 m_captureToken = 0; ///< the generation of captures; a late result of an older one is dropped
     bool m_hotKeysSuspended = false;

@@ -4,11 +4,13 @@
 #include <QPointer>
 
 #include "Capture/CaptureManager.h"
+#include "Capture/ClipboardCapturer.h"
 #include "Capture/ScreenSelectionController.h"
 #include "Localization.h"
 #include "Platform/Accessibility.h"
 #include "Platform/Application.h"
 #include "Platform/Clock.h"
+#include "Platform/PasteboardQueue.h"
 #include "Platform/Platform.h"
 #include "Platform/ScreenCapture.h"
 #include "Platform/Trace.h"
@@ -273,6 +275,22 @@ QCoro::Task<> AppDelegate::runTranslation(QString text, Model model, QUuid provi
         co_return;
     model->isLoading = false;
     resizePanel(*model);
+}
+
+QCoro::Task<> AppDelegate::captureFromPasteboard()
+{
+    if (m_isCapturing)
+        co_return;
+    const QPointer self(this);
+    const auto appName = Platform::current().workspace().frontmostName();
+    auto reading = PasteboardQueue::shared().run(ClipboardCapturer::readPasteboardText);
+    const auto text = co_await reading;
+    if (!self)
+        co_return;
+    if (text)
+        present({.text = *text, .source = CaptureSource::pasteboard, .appName = appName}, nullptr);
+    else
+        Platform::current().application().beep();
 }
 
 void AppDelegate::triggerInputTranslation()

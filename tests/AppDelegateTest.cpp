@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <QApplication>
 #include <QPlainTextEdit>
 #include <QSemaphore>
 #include <QTextEdit>
@@ -7,6 +8,7 @@
 #include "AppDelegate.h"
 #include "HotKeyStatus.h"
 #include "Localization.h"
+#include "Platform/PasteboardQueue.h"
 #include "Settings.h"
 #include "Support/Await.h"
 #include "Support/TestPlatform.h"
@@ -242,6 +244,112 @@ TEST_F(AppDelegateTest, TheInputPanelTranslatesWhatIsSubmitted)
     await(Translator::shared().translate(QStringLiteral("later"), QStringLiteral("es"),
                                          QStringLiteral("auto"), std::nullopt, {}));
     EXPECT_TRUE(showsResult(QStringLiteral("TYPED")));
+}
+
+TEST_F(AppDelegateTest, CopyingTwiceQuicklyTranslatesWhatWasCopied)
+{
+    auto &pasteboard = platform.pasteboard();
+    pasteboard.put(QStringLiteral("copied"));
+    platform.workspace().frontmost = RunningApplication{QStringLiteral("Editor"), {}, 1};
+    const auto copy = [&](Clock::Duration later, quint32 modifiers = ModifierFlag::command) {
+        platform.clock().advance(later);
+        platform.eventMonitors().keyDown.emitToAll({keyCodeC, modifiers});
+    };
+    const auto isTranslated = [&] {
+        await(PasteboardQueue::shared().run([] { return true; })); // what was to be read is read
+        const bool shows = !shown().isEmpty();
+        for (auto *panel : platform.panelHost().open)
+            panel->onEscape();
+        drainMainQueue();
+        return shows;
+    };
+    copy(0ms);
+    copy(440ms);
+    ASSERT_TRUE(showsResult(QStringLiteral("COPIED")));
+    EXPECT_EQ(shown().first().source, QStringLiteral("copied"));
+    EXPECT_TRUE(isTranslated());
+
+    copy(1ms); // a third one begins a new pair
+    copy(460ms);
+    EXPECT_FALSE(isTranslated());
+    copy(440ms, ModifierFlag::command | ModifierFlag::shift);
+    EXPECT_TRUE(isTranslated());
+    copy(1s, 0);
+    copy(100ms);
+    EXPECT_FALSE(isTranslated());
+
+    // A terminal has a key of its own; the usual one interrupts there.
+    platform.workspace().frontmost->copyModifiers = ModifierFlag::command | ModifierFlag::shift;
+    copy(1s);
+    copy(100ms);
+    EXPECT_FALSE(isTranslated());
+    copy(1s, ModifierFlag::command | ModifierFlag::shift);
+    copy(100ms, ModifierFlag::command | ModifierFlag::shift);
+    EXPECT_TRUE(isTranslated());
+    platform.workspace().frontmost->copyModifiers = ModifierFlag::command;
+
+    EXPECT_EQ(platform.application().beeps, 0);
+    pasteboard.secret = true;
+    copy(1s);
+    copy(100ms);
+    EXPECT_FALSE(isTranslated());
+    EXPECT_EQ(platform.application().beeps, 1);
+    pasteboard.secret = false;
+
+    Settings::shared().enableDoubleCopy = false;
+    copy(1s);
+    Settings::shared().enableDoubleCopy = true;
+    copy(100ms);
+    EXPECT_FALSE(isTranslated()); // the first one was not remembered
+}
+
+TEST_F(AppDelegateTest, ItsOwnCopyKeyCountsForNothing)
+{
+    platform.workspace().frontmost = RunningApplication{QStringLiteral("Editor"), {}, 1};
+    int seen = 0;
+    platform.keyboard().onPost = [&] {
+        ++seen;
+        asyncOnMain([this] {
+            platform.eventMonitors().keyDown.emitToAll({keyCodeC, ModifierFlag::command});
+            platform.eventMonitors().keyDown.emitToAll({keyCodeC, ModifierFlag::command});
+        });
+        platform.pasteboard().put(QStringLiteral("selected"));
+    };
+    press(optionD);
+    ASSERT_TRUE(showsResult(QStringLiteral("SELECTED")));
+    EXPECT_EQ(seen, 1);
+    EXPECT_EQ(shown().size(), 1);
+    platform.clock().advance(250ms);
+    platform.eventMonitors().keyDown.emitToAll({keyCodeC, ModifierFlag::command});
+    platform.eventMonitors().keyDown.emitToAll({keyCodeC, ModifierFlag::command});
+    EXPECT_EQ(shown().first().source, QStringLiteral("selected"));
+}
+
+TEST_F(AppDelegateTest, EditingKeysWorkInTextViewsOnly)
+{
+    press(optionT);
+    ASSERT_TRUE(showsSource(QString()));
+    QWidget &content = *platform.panelHost().open.first()->content;
+    auto *source = content.findChild<QPlainTextEdit *>();
+    const auto &monitor = platform.eventMonitors().localHandler;
+    constexpr quint32 v = 9, x = 7, a = 0, d = 2;
+    platform.pasteboard().put(QStringLiteral("pasted text"));
+    content.show();
+    content.activateWindow();
+    source->setFocus();
+    ASSERT_TRUE(waitUntil([&] { return QApplication::focusWidget() == source; }));
+    EXPECT_TRUE(monitor({v, ModifierFlag::command | ModifierFlag::shift}));
+    EXPECT_TRUE(waitUntil([&] { return source->toPlainText() == QLatin1String("pasted text"); }));
+    EXPECT_FALSE(monitor({keyCodeC, ModifierFlag::command | ModifierFlag::option}));
+    EXPECT_FALSE(monitor({d, ModifierFlag::command}));
+    EXPECT_TRUE(monitor({a, ModifierFlag::command}));
+    EXPECT_EQ(source->textCursor().selectedText(), QStringLiteral("pasted text"));
+    EXPECT_TRUE(monitor({x, ModifierFlag::command}));
+    EXPECT_EQ(source->toPlainText(), QString());
+    source->setReadOnly(true);
+    EXPECT_FALSE(monitor({v, ModifierFlag::command}));
+    source->clearFocus();
+    EXPECT_FALSE(monitor({a, ModifierFlag::command}));
 }
 
 TEST_F(AppDelegateTest, AFailedTranslationSaysSo)

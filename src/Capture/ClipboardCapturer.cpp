@@ -1,17 +1,112 @@
 // SPDX-License-Identifier: MIT
 #include "Capture/ClipboardCapturer.h"
 
+#include <mutex>
+
+#include "Capture/MenuBarCopyCapturer.h"
+#include "Capture/PasteboardWatcher.h"
+#include "Platform/DispatchQueue.h"
+#include "Platform/Keyboard.h"
+#include "Platform/Platform.h"
+#include "Platform/Workspace.h"
+#include "Text.h"
+
 namespace tovi::ClipboardCapturer {
 
-// This build neither makes applications copy nor reads the pasteboard: the clipboard stays untouched.
-std::optional<CopiedText> selectedText(bool, bool, Clock::Duration)
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto modifierLimit = 600ms;
+constexpr auto modifierPoll = 10ms;
+constexpr auto simulationTail = 300ms;
+constexpr auto readLimit = 400ms;
+
+struct Simulation
 {
-    return {};
+    std::mutex lock;
+    bool _isSimulating = false;
+    int number = 0; ///< of the latest simulation; only its own end counts
+
+    int begin()
+    {
+        const std::scoped_lock guard(lock);
+        _isSimulating = true;
+        return ++number;
+    }
+    void end(int ended)
+    {
+        const std::scoped_lock guard(lock);
+        _isSimulating = _isSimulating && ended != number;
+    }
+};
+
+Simulation &simulation()
+{
+    return Platform::current().shared<Simulation>();
+}
+
+void waitForModifierRelease()
+{
+    Clock &clock = Platform::current().clock();
+    const Clock::Time deadline = clock.now() + modifierLimit;
+    while (clock.now() < deadline && Platform::current().keyboard().modifierFlags() != 0)
+        clock.wait(modifierPoll);
+}
+
+std::optional<QString> copyByMenu(bool restoreClipboard, Clock::Duration timeout)
+{
+    const auto item = MenuBarCopyCapturer::findCopyItem();
+    if (!item)
+        return {};
+    return PasteboardWatcher::captureText(restoreClipboard, timeout, [&item] {
+        return item->performAction(QStringLiteral("AXPress")) == AXError::None;
+    });
+}
+
+bool postCopyKey()
+{
+    // Looked at last: the user may have turned to a terminal meanwhile, which has another key.
+    const auto frontmost = Platform::current().workspace().frontmostApplication();
+    return frontmost && frontmost->copyModifiers &&
+           Platform::current().keyboard().post({keyCodeC, *frontmost->copyModifiers});
+}
+
+std::optional<QString> copyByKeystroke(bool restoreClipboard, Clock::Duration timeout)
+{
+    waitForModifierRelease();
+    const int number = simulation().begin();
+    const auto text = PasteboardWatcher::captureText(restoreClipboard, timeout, postCopyKey);
+    asyncOnMain([number] {
+        Platform::current().clock().afterDetached(simulationTail, [number] { simulation().end(number); });
+    });
+    return text;
+}
+
+} // namespace
+
+std::optional<CopiedText> selectedText(bool restoreClipboard, bool preferMenuBarCopy, Clock::Duration timeout)
+{
+    if (preferMenuBarCopy) {
+        if (const auto text = copyByMenu(restoreClipboard, timeout))
+            return isBlank(*text) ? std::nullopt : std::optional(CopiedText{*text, true});
+    }
+    const auto text = copyByKeystroke(restoreClipboard, timeout);
+    return !text || isBlank(*text) ? std::nullopt : std::optional(CopiedText{*text, false});
+}
+
+bool isSimulating()
+{
+    Simulation &shared = simulation();
+    const std::scoped_lock guard(shared.lock);
+    return shared._isSimulating;
 }
 
 std::optional<QString> readPasteboardText()
 {
-    return {};
+    const auto answer = Platform::current().pasteboard().text(readLimit);
+    const bool isUsable = answer.status == Pasteboard::Status::Found && !answer.value.isSecret;
+    return isUsable && !isBlank(answer.value.text) ? std::optional(answer.value.text) : std::nullopt;
 }
 
 } // namespace tovi::ClipboardCapturer

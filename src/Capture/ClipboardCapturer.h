@@ -13,6 +13,7 @@ struct CopiedText
 {
     QString text;             ///< never blank, untrimmed
     bool usedMenuBar = false; ///< the application's own Copy menu item produced it
+    bool operator==(const CopiedText &) const = default;
 };
 
 /// What the frontmost application copies when told to: through its Copy menu item (where preferred), else by
@@ -21,7 +22,11 @@ struct CopiedText
 std::optional<CopiedText> selectedText(bool restoreClipboard, bool preferMenuBarCopy,
                                        Clock::Duration timeout);
 
-/// The text on the pasteboard, untrimmed; none when it is blank.
+/// Whether a copy keystroke that is seen now is this program's own. Any thread.
+bool isSimulating();
+
+/// The text on the pasteboard, untrimmed; none when it is blank or marked as secret. Blocks: never on the
+/// main thread.
 std::optional<QString> readPasteboardText();
 
 } // namespace tovi::ClipboardCapturer

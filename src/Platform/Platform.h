@@ -14,6 +14,7 @@ class Application;
 class Clock;
 class EventMonitors;
 class HotKeyCenter;
+class Keyboard;
 class LoginItem;
 class NotificationCenter;
 class PanelHost;
@@ -43,6 +44,7 @@ public:
     virtual Clock &clock() = 0;
     virtual EventMonitors &eventMonitors() = 0;
     virtual HotKeyCenter &hotKeyCenter() = 0;
+    virtual Keyboard &keyboard() = 0;
     virtual LoginItem &loginItem() = 0;
     virtual NotificationCenter &notificationCenter() = 0;
     virtual PanelHost &panelHost() = 0;

@@ -8,6 +8,8 @@
 #include <QRectF>
 #include <QString>
 
+#include "Platform/Keyboard.h"
+
 namespace tovi {
 
 struct RunningApplication
@@ -15,6 +17,9 @@ struct RunningApplication
     QString localizedName;    ///< may be empty
     QString bundleIdentifier; ///< a known browser's identifier, else the desktop entry's id; may be empty
     qint64 processIdentifier = 0;
+    /// What makes C the copy key there. Terminal emulators have their own, for command alone interrupts what
+    /// runs in them; none where no key copies.
+    std::optional<quint32> copyModifiers = ModifierFlag::command;
     bool operator==(const RunningApplication &) const = default;
 };
 

@@ -25,6 +25,7 @@
 #include "Support/TestAccessibility.h"
 #include "Support/TestClock.h"
 #include "Support/TestPanelHost.h"
+#include "Support/TestPasteboard.h"
 #include "Support/TestSecretStore.h"
 #include "Support/TestSpeechSynthesizer.h"
 #include "Support/TestTranslationFramework.h"
@@ -74,7 +75,22 @@ struct TestEventMonitors final : EventMonitors
     {
         return mouseDown.subscribe(std::move(handler));
     }
-    Subject<> mouseDown; ///< emit it for a click in another application
+    Subscription addGlobalKeyDownMonitor(quint32 keyCode,
+                                         std::function<void(const KeyEvent &)> handler) override
+    {
+        return keyDown.subscribe([keyCode, handler = std::move(handler)](KeyEvent event) {
+            if (event.keyCode == keyCode)
+                handler(event);
+        });
+    }
+    Subscription addLocalKeyDownMonitor(std::function<bool(const KeyEvent &)> handler) override
+    {
+        localHandler = std::move(handler);
+        return Subscription([this] { localHandler = nullptr; });
+    }
+    Subject<> mouseDown;       ///< emit it for a click in another application
+    Subject<KeyEvent> keyDown; ///< emit it for a key in another application
+    std::function<bool(const KeyEvent &)> localHandler;
 };
 
 struct TestHotKeyCenter final : HotKeyCenter
@@ -114,12 +130,6 @@ struct TestHotKeyCenter final : HotKeyCenter
     Handler handler;
     std::map<quint32, Keys> registered;
     QList<Keys> takenByOthers;
-};
-
-struct TestPasteboard final : Pasteboard
-{
-    void setString(const QString &value) override { text = value; }
-    QString text;
 };
 
 struct TestScreenCapture final : ScreenCapture
@@ -212,6 +222,7 @@ public:
     TestClock &clock() override { return m_clock; }
     TestEventMonitors &eventMonitors() override { return m_eventMonitors; }
     TestHotKeyCenter &hotKeyCenter() override { return m_hotKeyCenter; }
+    TestKeyboard &keyboard() override { return m_keyboard; }
     TestLoginItem &loginItem() override { return m_loginItem; }
     NotificationCenter &notificationCenter() override { return m_notificationCenter; }
     TestPanelHost &panelHost() override { return m_panelHost; }
@@ -234,10 +245,11 @@ private:
     TestClock m_clock;
     TestEventMonitors m_eventMonitors;
     TestHotKeyCenter m_hotKeyCenter;
+    TestKeyboard m_keyboard;
     TestLoginItem m_loginItem;
     NotificationCenter m_notificationCenter;
     TestPanelHost m_panelHost;
-    TestPasteboard m_pasteboard;
+    TestPasteboard m_pasteboard{m_clock};
     TestScreenCapture m_screenCapture;
     TestSecretStore m_secretStore;
     TestSpeechSynthesizer m_speechSynthesizer;

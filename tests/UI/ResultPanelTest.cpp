@@ -177,7 +177,7 @@ TEST_F(ResultPanelTest, TheSourceIsEditedAndTheCopyConfirmed)
     emit source->submitted();
     EXPECT_EQ(submissions, 1);
     button(Str::resultCopy)->click();
-    EXPECT_EQ(platform.pasteboard().text, QStringLiteral("new text"));
+    EXPECT_EQ(platform.pasteboard().string(), QStringLiteral("new text"));
     platform.clock().advance(1s);
     button(Str::resultCopy)->click();
     platform.clock().advance(1s);

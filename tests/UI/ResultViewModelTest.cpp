@@ -68,11 +68,11 @@ TEST_F(ResultViewModelTest, ShowsForAWhileThatItCopied)
 {
     auto &clock = platform.clock();
     model->copyResult();
-    EXPECT_EQ(platform.pasteboard().text, QStringLiteral("source"));
+    EXPECT_EQ(platform.pasteboard().string(), QStringLiteral("source"));
     clock.advance(1000ms);
     model->translatedText = QStringLiteral("translation");
     model->copyResult();
-    EXPECT_EQ(platform.pasteboard().text, QStringLiteral("translation"));
+    EXPECT_EQ(platform.pasteboard().string(), QStringLiteral("translation"));
     clock.advance(1190ms);
     EXPECT_TRUE(model->didCopy);
     clock.advance(10ms);

@@ -67,4 +67,14 @@ std::optional<quint32> fromXKeycode(quint32 xKeycode)
     return it == std::end(keys) ? std::nullopt : std::optional(it->keyCode);
 }
 
+std::optional<quint32> fromCharacter(int character)
+{
+    // Symbols of ASCII characters have their numbers.
+    const int symbol = character >= 'A' && character <= 'Z' ? character - 'A' + 'a' : character;
+    const auto it = std::ranges::find_if(keys, [&](const VirtualKey &key) {
+        return symbol < 0x80 && key.keysym == static_cast<quint32>(symbol);
+    });
+    return it == std::end(keys) ? std::nullopt : std::optional(it->keyCode);
+}
+
 } // namespace tovi::VirtualKeyCodes

@@ -29,6 +29,9 @@ const VirtualKey *find(quint32 keyCode);
 std::optional<quint32> xKeycode(quint32 keyCode);
 /// The program's code of an X key code (what Qt calls the native scan code).
 std::optional<quint32> fromXKeycode(quint32 xKeycode);
+/// The program's code of the key that types an ASCII character, unshifted, in the US layout; letters in
+/// either case.
+std::optional<quint32> fromCharacter(int character);
 
 } // namespace VirtualKeyCodes
 

@@ -4,6 +4,7 @@
 #include <X11/keysym.h>
 
 #include "HotKey.h"
+#include "Platform/Keyboard.h"
 #include "Platform/X11/Xcb.h"
 
 namespace tovi {
@@ -81,6 +82,21 @@ std::optional<uint16_t> KeyboardModifiers::fromProgram(quint32 modifiers) const
         result |= native;
     }
     return result ? std::optional(result) : std::nullopt;
+}
+
+uint16_t KeyboardModifiers::fromFlags(quint32 flags) const
+{
+    return static_cast<uint16_t>((flags & ModifierFlag::command ? XCB_MOD_MASK_CONTROL : 0) |
+                                 (flags & ModifierFlag::shift ? XCB_MOD_MASK_SHIFT : 0) |
+                                 (flags & ModifierFlag::option ? alt : 0) |
+                                 (flags & ModifierFlag::control ? super : 0));
+}
+
+quint32 KeyboardModifiers::toFlags(uint16_t state) const
+{
+    return (state & XCB_MOD_MASK_CONTROL ? ModifierFlag::command : 0u) |
+           (state & XCB_MOD_MASK_SHIFT ? ModifierFlag::shift : 0u) |
+           (state & alt ? ModifierFlag::option : 0u) | (state & super ? ModifierFlag::control : 0u);
 }
 
 uint16_t KeyboardModifiers::relevant() const

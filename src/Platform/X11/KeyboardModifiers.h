@@ -26,6 +26,9 @@ struct KeyboardModifiers
     /// The bits for a mask of the program's; none when one of its modifiers is not on the keyboard, or when
     /// it has no modifier.
     std::optional<uint16_t> fromProgram(quint32 modifiers) const;
+    /// The server's bits for bits of ModifierFlag, and back; those that are not on the keyboard are left out.
+    uint16_t fromFlags(quint32 flags) const;
+    quint32 toFlags(uint16_t state) const;
     /// The bits that tell one shortcut from another.
     uint16_t relevant() const;
     /// All combinations of the locks that are on the keyboard.

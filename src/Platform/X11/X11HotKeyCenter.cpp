@@ -5,14 +5,10 @@
 
 #include <QCoreApplication>
 
-// The header has a member named "explicit".
-#define explicit explicit_
-#include <xcb/xkb.h>
-#undef explicit
-
 #include "Platform/Linux/VirtualKeyCodes.h"
 #include "Platform/X11/X11RawInput.h"
 #include "Platform/X11/Xcb.h"
+#include "Platform/X11/Xkb.h"
 
 namespace tovi {
 

@@ -19,6 +19,7 @@
 #include "Platform/X11/ScreenGeometry.h"
 #include "Platform/X11/X11EventMonitors.h"
 #include "Platform/X11/X11HotKeyCenter.h"
+#include "Platform/X11/X11Keyboard.h"
 #include "Platform/X11/X11PanelHost.h"
 #include "Platform/X11/X11Pasteboard.h"
 #include "Platform/X11/X11RawInput.h"
@@ -83,7 +84,8 @@ struct X11Platform::Services
     X11Workspace workspace;
     X11RawInput rawInput;
     X11HotKeyCenter hotKeyCenter{rawInput};
-    X11EventMonitors eventMonitors{rawInput};
+    X11EventMonitors eventMonitors{rawInput, clock};
+    X11Keyboard keyboard{workspace.frontWindow()};
     X11Pasteboard pasteboard;
     X11ScreenCapture screenCapture;
     X11PanelHost panelHost{workspace.frontWindow(), clock};
@@ -141,6 +143,11 @@ EventMonitors &X11Platform::eventMonitors()
 HotKeyCenter &X11Platform::hotKeyCenter()
 {
     return m_services->hotKeyCenter;
+}
+
+Keyboard &X11Platform::keyboard()
+{
+    return m_services->keyboard;
 }
 
 LoginItem &X11Platform::loginItem()

@@ -25,6 +25,7 @@ public:
     Clock &clock() override;
     EventMonitors &eventMonitors() override;
     HotKeyCenter &hotKeyCenter() override;
+    Keyboard &keyboard() override;
     LoginItem &loginItem() override;
     NotificationCenter &notificationCenter() override;
     PanelHost &panelHost() override;

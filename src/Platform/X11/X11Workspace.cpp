@@ -5,6 +5,7 @@
 #include <QScreen>
 
 #include "Platform/Linux/BrowserIdentifiers.h"
+#include "Platform/Linux/TerminalEmulators.h"
 #include "Platform/X11/ScreenGeometry.h"
 
 namespace tovi {
@@ -86,6 +87,7 @@ std::optional<RunningApplication> X11Workspace::frontmostApplication()
     application.localizedName = entry && !entry->name.isEmpty() ? entry->name : window->hints.windowClass;
     if (application.localizedName.isEmpty())
         application.localizedName = window->hints.processName;
+    application.copyModifiers = copyModifiers(window->hints, entry);
     const QString id = entry ? entry->id : window->hints.applicationId;
     application.bundleIdentifier = browserIdentifier(id);
     // An installed web application has an entry of its own, yet it runs in its browser.

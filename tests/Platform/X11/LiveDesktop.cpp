@@ -113,6 +113,12 @@ xcb_window_t OtherClient::focus()
     return reply ? reply->focus : 0;
 }
 
+void OtherClient::setFocus(xcb_window_t window)
+{
+    xcb_set_input_focus(m_session.connection(), XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
+    focus();
+}
+
 QRect OtherClient::frameOf(xcb_window_t window)
 {
     auto *connection = m_session.connection();

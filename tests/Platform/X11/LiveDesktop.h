@@ -43,6 +43,7 @@ public:
     QRect frameOf(xcb_window_t window);
     /// The window that gets the keys.
     xcb_window_t focus();
+    void setFocus(xcb_window_t window);
     xcb_window_t root() const { return m_session.root(); }
     xcb_atom_t atom(const char *name) { return m_session.atom(name); }
 

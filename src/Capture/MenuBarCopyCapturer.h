@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+#include "Platform/Accessibility.h"
+#include <optional>
+namespace tovi::MenuBarCopyCapturer {
+std::optional<AXElement> findCopyItem();
+}

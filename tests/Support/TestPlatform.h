@@ -17,6 +17,7 @@
 #include "Platform/Pasteboard.h"
 #include "Platform/Platform.h"
 #include "Platform/ScreenCapture.h"
+#include "Platform/ScriptRunner.h"
 #include "Platform/SecretStore.h"
 #include "Platform/SystemLog.h"
 #include "Platform/URLSession.h"
@@ -130,6 +131,19 @@ struct TestScreenCapture final : ScreenCapture
     int requests = 0;
 };
 
+struct TestScriptRunner final : ScriptRunner
+{
+    std::optional<QString> run(const QString &source) override
+    {
+        const std::scoped_lock lock(mutex);
+        sources << source;
+        return result;
+    }
+    std::mutex mutex;
+    std::optional<QString> result;
+    QStringList sources;
+};
+
 struct TestSystemLog final : SystemLog
 {
     void write(const QString &line) override
@@ -217,6 +231,7 @@ public:
     TestPanelHost &panelHost() override { return m_panelHost; }
     TestPasteboard &pasteboard() override { return m_pasteboard; }
     TestScreenCapture &screenCapture() override { return m_screenCapture; }
+    TestScriptRunner &scriptRunner() override { return m_scriptRunner; }
     TestSecretStore &secretStore() override { return m_secretStore; }
     TestSpeechSynthesizer &speechSynthesizer() override { return m_speechSynthesizer; }
     TestSystemLog &systemLog() override { return m_systemLog; }
@@ -239,6 +254,7 @@ private:
     TestPanelHost m_panelHost;
     TestPasteboard m_pasteboard;
     TestScreenCapture m_screenCapture;
+    TestScriptRunner m_scriptRunner;
     TestSecretStore m_secretStore;
     TestSpeechSynthesizer m_speechSynthesizer;
     TestSystemLog m_systemLog;

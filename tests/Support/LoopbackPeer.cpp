@@ -93,10 +93,12 @@ QByteArray LoopbackPeer::Connection::readHead()
     return head;
 }
 
-void LoopbackPeer::Connection::acceptWebSocket(const QByteArray &more)
+QByteArray LoopbackPeer::Connection::acceptWebSocket(const QByteArray &more)
 {
+    const QByteArray head = readHead();
     write("HTTP/1.1 101 Switching\r\nUpgrade: WebSocket\r\nConnection: Upgrade\r\nsec-websocket-accept: " +
-          acceptance(readHead()) + "\r\n\r\n" + more);
+          acceptance(head) + "\r\n\r\n" + more);
+    return head;
 }
 
 QByteArray LoopbackPeer::Connection::readFrame()

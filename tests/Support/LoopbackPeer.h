@@ -23,8 +23,9 @@ public:
         void write(const QByteArray &bytes);
         /// An HTTP head with its empty line; empty when the client went.
         QByteArray readHead();
-        /// Reads a head and answers it as a WebSocket server does, with `more` right behind.
-        void acceptWebSocket(const QByteArray &more = {});
+        /// Reads a head and answers it as a WebSocket server does, with `more` right behind. Returns the
+        /// head.
+        QByteArray acceptWebSocket(const QByteArray &more = {});
         /// The first byte of the client's next frame, then its unmasked content; empty when the client went.
         QByteArray readFrame();
         void writeText(const QByteArray &text);

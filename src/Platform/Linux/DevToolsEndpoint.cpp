@@ -146,8 +146,7 @@ std::optional<DevToolsEndpoint> DevToolsEndpoint::find(const QString &browser, q
         for (const QByteArray &value : given)
             folders.prepend(workingDirectory.absoluteFilePath(QFile::decodeName(value)));
     }
-    QList<QByteArray> processes{QByteArray::number(processIdentifier), ownProcessIdentifier(process)};
-    processes.removeAll(QByteArray());
+    const QList<QByteArray> processes{QByteArray::number(processIdentifier), ownProcessIdentifier(process)};
     for (const QString &folder : std::as_const(folders)) {
         if (const auto endpoint = readProfile(folder, processes))
             return endpoint;

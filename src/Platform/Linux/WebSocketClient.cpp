@@ -2,6 +2,7 @@
 #include "Platform/Linux/WebSocketClient.h"
 
 #include <QCryptographicHash>
+#include <QList>
 #include <QRandomGenerator>
 
 namespace tovi {

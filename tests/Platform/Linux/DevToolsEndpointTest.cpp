@@ -137,7 +137,6 @@ TEST_F(DevToolsEndpointTest, APortFileCountsOnlyForTheProcessThatWroteIt)
         {"its own", "my-host-4711", port + "\n", 1000, 1000, true},
         {"of a sandbox", "host-2", port, 1000, 1001, true},
         {"of another process", "my-host-4712", port, 1000, 1001, false},
-        {"no process", "my-host-", port, 1000, 1001, false},
         {"of an earlier run", "my-host-4711", port, 1000, 999, false},
         {"empty", "my-host-4711", "", 1000, 1001, false},
         {"no path", "my-host-4711", "40797\n", 1000, 1001, false},

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
-#include <QJsonArray>
 #include <QJsonDocument>
+#include <QJsonObject>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -20,81 +19,66 @@ namespace {
 
 using namespace std::chrono_literals;
 
-struct FakePage
-{
-    enum State { Hidden, Visible, Focused, Gone, Throws, Hangs };
-    QString title;
-    State state;
-    QString text;
-};
-
-/// A browser's DevTools server with some pages.
+/// A browser's DevTools server. Its pages are lines "state|title|text", the state being one of hidden,
+/// visible, focused, gone, throws, hangs.
 struct FakeBrowser
 {
-    explicit FakeBrowser(QList<FakePage> list)
+    explicit FakeBrowser(QByteArrayList list)
         : pages(std::move(list))
     {}
+    QByteArray field(int page, int number) const { return pages[page].split('|')[number]; }
 
-    QJsonObject answer(const QJsonObject &message)
+    /// The answer's content; none for a page that hangs.
+    std::optional<QByteArray> answer(const QString &method, const QString &target, const QString &session)
     {
-        const QString method = message[QLatin1String("method")].toString();
-        const QJsonObject parameters = message[QLatin1String("params")].toObject();
         if (method == QLatin1String("Target.getTargets")) {
-            QJsonArray targets{QJsonObject{{QStringLiteral("type"), QStringLiteral("service_worker")},
-                                           {QStringLiteral("title"), QStringLiteral("worker")}}};
-            for (qsizetype i = 0; i < pages.size(); ++i)
-                targets.append(QJsonObject{{QStringLiteral("type"), QStringLiteral("page")},
-                                           {QStringLiteral("targetId"), QString::number(i)},
-                                           {QStringLiteral("title"), pages[i].title}});
-            return {{QStringLiteral("targetInfos"), targets}};
+            QByteArrayList targets{R"({"type":"worker","targetId":"0","title":"News - Paper"})"};
+            for (int i = 0; i < pages.size(); ++i)
+                targets << R"({"type":"page","targetId":")" + QByteArray::number(i) + R"(","title":")" +
+                               field(i, 1) + R"("})";
+            return R"("result":{"targetInfos":[)" + targets.join(',') + "]}";
         }
         if (method == QLatin1String("Target.attachToTarget")) {
-            const QString id = parameters[QLatin1String("targetId")].toString();
-            asked << id.toInt();
-            attached += pages[id.toInt()].state != FakePage::Gone;
-            return pages[id.toInt()].state == FakePage::Gone ? QJsonObject()
-                                                             : QJsonObject{{QStringLiteral("sessionId"), id}};
+            asked << target.toInt();
+            if (field(target.toInt(), 0) == "gone")
+                return R"("error":{"code":-32602})";
+            ++attached;
+            return R"("result":{"sessionId":")" + target.toLatin1() + R"("})";
         }
         if (method == QLatin1String("Target.detachFromTarget")) {
             --attached;
-            return {};
+            return R"("result":{})";
         }
-        const FakePage &page = pages[message[QLatin1String("sessionId")].toString().toInt()];
-        if (method != QLatin1String("Runtime.evaluate") || page.state == FakePage::Throws)
-            return {
-                {QStringLiteral("result"), QJsonObject{{QStringLiteral("type"), QStringLiteral("object")}}},
-                {QStringLiteral("exceptionDetails"), QJsonObject()}};
-        const QJsonObject value{{QStringLiteral("visible"), page.state != FakePage::Hidden},
-                                {QStringLiteral("focused"), page.state == FakePage::Focused},
-                                {QStringLiteral("text"), page.text}};
-        return {{QStringLiteral("result"), QJsonObject{{QStringLiteral("value"), value}}}};
+        const QByteArray state = field(session.toInt(), 0);
+        if (state == "hangs")
+            return std::nullopt;
+        if (state == "throws")
+            return R"("result":{"result":{"type":"object"},"exceptionDetails":{}})";
+        return QByteArray(R"("result":{"result":{"value":{"visible":)") +
+               (state == "hidden" ? "false" : "true") + R"(,"focused":)" +
+               (state == "focused" ? "true" : "false") + R"(,"text":")" + field(session.toInt(), 2) +
+               R"("}}})";
     }
 
     void serve(LoopbackPeer::Connection &connection)
     {
         connection.acceptWebSocket();
-        for (QByteArray frame; !(frame = connection.readFrame()).isEmpty();) {
+        QByteArray frame;
+        while ((frame = connection.readFrame()).startsWith('\x81')) {
             const QJsonObject message = QJsonDocument::fromJson(frame.mid(1)).object();
-            if (!message.contains(QLatin1String("id"))) {
-                wasClosed = quint8(frame[0]) == 0x88;
-                break;
-            }
-            const QJsonObject result = answer(message);
-            const bool hangs =
-                message.contains(QLatin1String("sessionId")) &&
-                pages[message[QLatin1String("sessionId")].toString().toInt()].state == FakePage::Hangs;
+            const auto content =
+                answer(message[QLatin1String("method")].toString(),
+                       message[QLatin1String("params")][QLatin1String("targetId")].toString(),
+                       message[QLatin1String("sessionId")].toString());
             connection.writeText(R"({"method":"Target.targetInfoChanged","params":{}})");
-            if (hangs)
-                continue;
-            const QString key = result.isEmpty() ? QStringLiteral("error") : QStringLiteral("result");
-            connection.writeText(
-                QJsonDocument(
-                    QJsonObject{{QStringLiteral("id"), message[QLatin1String("id")]}, {key, result}})
-                    .toJson());
+            if (content)
+                connection.writeText("{\"id\":" + QByteArray::number(message[QLatin1String("id")].toInt()) +
+                                     ',' + *content + '}');
         }
+        wasClosed = frame.startsWith('\x88');
     }
 
-    QList<FakePage> pages;
+    QByteArrayList pages;
     QList<int> asked;
     int attached = 0;
     bool wasClosed = false;
@@ -102,49 +86,26 @@ struct FakeBrowser
 
 TEST(DevToolsSessionTest, AsksThePageThatTheUserSees)
 {
-    const QString window = QStringLiteral("News - Paper - Chromium");
-    const auto page = [](const char *title, FakePage::State state, const char *text = "") {
-        return FakePage{QString::fromUtf8(title), state, QString::fromUtf8(text)};
-    };
-    using enum FakePage::State;
     const struct
     {
         const char *name;
-        QList<FakePage> pages;
+        QByteArrayList pages;
         QList<int> asked;
-        std::optional<QString> text;
+        const char *text;
     } cases[] = {
-        {"the window's title leads",
-         {page("Other", Visible), page("News", Hidden), page("News - Paper", Focused, "a 🚢\n")},
+        {"the title leads",
+         {"visible|Other|no", "hidden|News|", "focused|News - Paper|a 🚢\\n"},
          {2},
-         QString::fromUtf8("a 🚢\n")},
-        {"of two with the title, the one with the focus",
-         {page("News - Paper", Visible, "no"), page("News - Paper", Focused, "yes")},
-         {0, 1},
-         QStringLiteral("yes")},
-        {"none has the focus",
-         {page("Other", Visible), page("News - Paper", Hidden), page("News - Paper", Visible, "yes")},
-         {1, 2},
-         QStringLiteral("yes")},
-        {"the title tells nothing",
-         {page("", Hidden), page("x", Visible, "no"), page("y", Focused, "yes")},
-         {0, 1, 2},
-         QStringLiteral("yes")},
-        {"nor does the focus",
-         {page("x", Hidden), page("y", Visible, "yes"), page("z", Visible, "no")},
-         {0, 1, 2},
-         QStringLiteral("yes")},
-        {"an installed application",
-         {page("x", Visible), page("Chromium", Focused, "yes")},
-         {1},
-         QStringLiteral("yes")},
-        {"pages that cannot tell",
-         {page("x", Gone), page("y", Throws), page("z", Visible, "yes")},
-         {0, 1, 2},
-         QStringLiteral("yes")},
-        {"nothing selected", {page("News", Focused)}, {0}, QString()},
-        {"nothing visible", {page("News", Hidden, "no")}, {0}, {}},
-        {"no page", {}, {}, {}},
+         "a 🚢\n"},
+        {"twice the title", {"visible|News - Paper|no", "focused|News - Paper|yes"}, {0, 1}, "yes"},
+        {"no focus", {"visible|Other|no", "hidden|News|", "visible|News|yes"}, {1, 2}, "yes"},
+        {"no title", {"hidden||", "visible|x|no", "focused|y|yes"}, {0, 1, 2}, "yes"},
+        {"neither", {"hidden|x|", "visible|y|yes", "visible|z|no"}, {0, 1, 2}, "yes"},
+        {"an installed application", {"visible|x|no", "focused|Chromium|yes"}, {1}, "yes"},
+        {"some cannot tell", {"gone|x|", "throws|y|", "visible|z|yes"}, {0, 1, 2}, "yes"},
+        {"nothing selected", {"focused|News|"}, {0}, ""},
+        {"nothing visible", {"hidden|News|no"}, {0}, nullptr},
+        {"no page", {}, {}, nullptr},
     };
     for (const auto &one : cases) {
         SCOPED_TRACE(one.name);
@@ -153,7 +114,8 @@ TEST(DevToolsSessionTest, AsksThePageThatTheUserSees)
             LoopbackPeer peer([&](LoopbackPeer::Connection &connection) { browser.serve(connection); });
             DevToolsSession session(QDeadlineTimer(60s));
             ASSERT_TRUE(session.open({peer.port(), "/devtools/browser/1"}));
-            EXPECT_EQ(session.selectedText(window), one.text);
+            const auto text = session.selectedText(QStringLiteral("News - Paper - Chromium"));
+            EXPECT_EQ(text, one.text ? std::optional(QString::fromUtf8(one.text)) : std::nullopt);
         }
         EXPECT_EQ(browser.asked, one.asked);
         EXPECT_EQ(browser.attached, 0);
@@ -163,8 +125,7 @@ TEST(DevToolsSessionTest, AsksThePageThatTheUserSees)
 
 TEST(DevToolsSessionTest, APageThatHangsEndsWithTheDeadline)
 {
-    FakeBrowser browser({{QStringLiteral("x"), FakePage::Visible, QStringLiteral("no")},
-                         {QStringLiteral("y"), FakePage::Hangs, {}}});
+    FakeBrowser browser({"visible|x|no", "hangs|y|"});
     LoopbackPeer peer([&](LoopbackPeer::Connection &connection) { browser.serve(connection); });
     bool opened = false;
     for (auto limit = 50ms; !opened && limit < 60s; limit *= 2) {
@@ -184,7 +145,6 @@ TEST(DevToolsSessionTest, ABrowserThatWasToldItsPortIsAskedForItsPath)
     } cases[] = {
         {R"({"webSocketDebuggerUrl": "ws://127.0.0.1:1/devtools/browser/7-a"})",
          "GET /devtools/browser/7-a HTTP/1.1"},
-        {R"({"webSocketDebuggerUrl": "ws://127.0.0.1:1/a b\r\nX: y"})", "GET /a%20b%0D%0AX:%20y HTTP/1.1"},
         {"{}", ""},
         {"[1", ""},
         {QByteArray(1 << 20, ' '), ""},
@@ -235,8 +195,7 @@ struct DevToolsScriptRunnerTest : testing::Test
     }
 
     QTemporaryDir home;
-    FakeBrowser browser{{{QStringLiteral("Other"), FakePage::Visible, QStringLiteral("no")},
-                         {QStringLiteral("Harbour"), FakePage::Visible, QStringLiteral("yes")}}};
+    FakeBrowser browser{{"visible|Other|no", "visible|Harbour|yes"}};
     LoopbackPeer peer{[this](LoopbackPeer::Connection &connection) { browser.serve(connection); }};
     TestPlatform platform;
     std::shared_ptr<FixedWindow> window = std::make_shared<FixedWindow>();
@@ -249,12 +208,10 @@ TEST_F(DevToolsScriptRunnerTest, RunsTheOneScriptForTheFrontmostBrowser)
     AppleScriptCapturer::selectedText();
     const QString script = platform.scriptRunner().sources.value(0);
     EXPECT_EQ(runner.run(script), QStringLiteral("yes"));
-    window->window->processIdentifier = 1; // somebody else's window came to the front meanwhile
-    EXPECT_EQ(runner.run(script), QStringLiteral("no"));
     window->window.reset();
     EXPECT_EQ(runner.run(script), QStringLiteral("no"));
 
-    EXPECT_EQ(peer.connections(), 3);
+    EXPECT_EQ(peer.connections(), 2);
     const QString otherScripts[] = {
         {},
         script + QLatin1Char('\n'),
@@ -268,7 +225,7 @@ TEST_F(DevToolsScriptRunnerTest, RunsTheOneScriptForTheFrontmostBrowser)
     EXPECT_FALSE(runner.run(script));
     platform.workspace().frontmost.reset();
     EXPECT_FALSE(runner.run(script));
-    EXPECT_EQ(peer.connections(), 3);
+    EXPECT_EQ(peer.connections(), 2);
 }
 
 } // namespace

@@ -83,26 +83,27 @@ QStringList profileFolders(const QString &browser, const DevToolsEndpoint::Place
     return folders;
 }
 
-/// The process as it knows itself: a sandbox may count its processes on its own.
-QByteArray ownProcessIdentifier(const QString &process)
+/// The process and what it calls itself: a sandbox may count its processes on its own.
+QList<qint64> namesOf(const QString &process, qint64 processIdentifier)
 {
+    QList<qint64> names{processIdentifier};
     const QByteArray status = readFile(process + QStringLiteral("/status"), 16 << 10);
     for (const QByteArray &line : status.split('\n')) {
         if (line.startsWith("NSpid:"))
-            return line.split('\t').last().trimmed();
+            names << line.split('\t').last().toLongLong();
     }
-    return {};
+    return names;
 }
 
 /// The port file of a profile that the process has open. The file stays behind when a browser ends, so it
 /// counts only if it is younger than the profile's lock.
-std::optional<DevToolsEndpoint> readProfile(const QString &folder, const QList<QByteArray> &processes)
+std::optional<DevToolsEndpoint> readProfile(const QString &folder, const QList<qint64> &processes)
 {
     const QByteArray lockPath = QFile::encodeName(folder + QStringLiteral("/SingletonLock"));
     const QString filePath = folder + QStringLiteral("/DevToolsActivePort");
     char holder[PATH_MAX]; // host name, hyphen, process
     const ssize_t length = ::readlink(lockPath.constData(), holder, sizeof holder);
-    if (length <= 0 || !processes.contains(QByteArray(holder, length).split('-').last()))
+    if (length <= 0 || !processes.contains(QByteArray(holder, length).split('-').last().toLongLong()))
         return std::nullopt;
     struct stat lock, file;
     if (::lstat(lockPath.constData(), &lock) != 0 ||
@@ -135,9 +136,10 @@ std::optional<DevToolsEndpoint> DevToolsEndpoint::find(const QString &browser, q
     if (folders.isEmpty() || commandLine.isEmpty())
         return std::nullopt;
 
+    const QList<qint64> processes = namesOf(process, processIdentifier);
     const QList<QByteArray> ports = switchValues(commandLine, "--remote-debugging-port=");
-    if (const quint16 port = ports.isEmpty() ? 0 : ports.first().trimmed().toUShort())
-        return DevToolsEndpoint{port, {}}; // a browser told its port writes no file
+    if (const quint16 port = ports.isEmpty() ? 0 : ports.last().split(' ').first().toUShort())
+        return DevToolsEndpoint{port, {}, processes}; // a browser told its port writes no file
 
     const QList<QByteArray> given = switchValues(commandLine, "--user-data-dir=");
     if (!given.isEmpty()) {
@@ -146,7 +148,6 @@ std::optional<DevToolsEndpoint> DevToolsEndpoint::find(const QString &browser, q
         for (const QByteArray &value : given)
             folders.prepend(workingDirectory.absoluteFilePath(QFile::decodeName(value)));
     }
-    const QList<QByteArray> processes{QByteArray::number(processIdentifier), ownProcessIdentifier(process)};
     for (const QString &folder : std::as_const(folders)) {
         if (const auto endpoint = readProfile(folder, processes))
             return endpoint;

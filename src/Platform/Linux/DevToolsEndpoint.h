@@ -3,6 +3,7 @@
 
 #include <optional>
 
+#include <QList>
 #include <QString>
 
 namespace tovi {
@@ -12,6 +13,8 @@ struct DevToolsEndpoint
 {
     quint16 port = 0;
     QByteArray path; ///< of the browser as a whole; empty where only the server itself knows
+    /// What the server's process may call itself, where another browser may have taken the port; else empty.
+    QList<qint64> processes = {};
     bool operator==(const DevToolsEndpoint &) const = default;
 
     /// The places that are looked at.

@@ -58,7 +58,18 @@ QString titleWithin(const QString &windowTitle, const Pages &pages)
 bool DevToolsSession::open(const DevToolsEndpoint &endpoint)
 {
     const QByteArray path = endpoint.path.isEmpty() ? askForPath(endpoint.port, m_deadline) : endpoint.path;
-    return !path.isEmpty() && m_client.open(endpoint.port, path);
+    return !path.isEmpty() && m_client.open(endpoint.port, path) &&
+           (endpoint.processes.isEmpty() || isOneOf(endpoint.processes));
+}
+
+bool DevToolsSession::isOneOf(const QList<qint64> &processes)
+{
+    const auto answer = call(QStringLiteral("SystemInfo.getProcessInfo"), {});
+    const QJsonArray running = answer ? (*answer)[QLatin1String("processInfo")].toArray() : QJsonArray();
+    return std::any_of(running.begin(), running.end(), [&](const QJsonValue &process) {
+        return process[QLatin1String("type")].toString() == QLatin1String("browser") &&
+               processes.contains(process[QLatin1String("id")].toInteger());
+    });
 }
 
 std::optional<QString> DevToolsSession::selectedText(const QString &windowTitle)

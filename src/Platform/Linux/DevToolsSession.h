@@ -20,6 +20,7 @@ public:
         , m_client(deadline)
     {}
 
+    /// False when the browser does not answer, and when it is another one than the endpoint's.
     bool open(const DevToolsEndpoint &endpoint);
     /// What is selected in the page that the user sees: the visible one with the focus, else the first
     /// visible one, the pages asked first that the window's title names. May be empty; none when no page is
@@ -38,6 +39,7 @@ private:
         bool hasFocus;
         QString selectedText;
     };
+    bool isOneOf(const QList<qint64> &processes);
     QList<Page> pages();
     std::optional<PageState> state(const Page &page);
     bool send(const QString &method, const QJsonObject &parameters, const QString &session = {});

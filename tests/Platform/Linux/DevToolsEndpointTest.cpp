@@ -107,8 +107,9 @@ TEST_F(DevToolsEndpointTest, ReadsTheCommandLine)
         {"chromium --user-data-dir=my profile", listening},
         {"chromium --user-data-dir=@/my", {}},
         {separated("chromium|--remote-debugging-port=0"), {}}, // uses its usual profile
-        {separated("chromium|--remote-debugging-port=9222|"), DevToolsEndpoint{9222, {}}},
-        {"chromium --remote-debugging-port=9222 --user-data-dir=@/my profile", DevToolsEndpoint{9222, {}}},
+        {separated("chromium|--remote-debugging-port=9222|"), DevToolsEndpoint{9222, {}, {4711}}},
+        {"chromium --remote-debugging-port=9222 --user-data-dir=@/my profile",
+         DevToolsEndpoint{9222, {}, {4711}}},
         {separated("chromium|--remote-debugging-port=99999|"), {}},
         {separated("chromium|--x--remote-debugging-port=9222|"), {}},
         {"", {}},

@@ -38,6 +38,8 @@ struct FakeBrowser
                                field(i, 1) + R"("})";
             return R"("result":{"targetInfos":[)" + targets.join(',') + "]}";
         }
+        if (method == QLatin1String("SystemInfo.getProcessInfo"))
+            return R"("result":{"processInfo":[{"type":"GPU","id":3},{"type":"browser","id":2}]})";
         if (method == QLatin1String("Target.attachToTarget")) {
             asked << target.toInt();
             if (field(target.toInt(), 0) == "gone")
@@ -60,9 +62,10 @@ struct FakeBrowser
                R"("}}})";
     }
 
-    void serve(LoopbackPeer::Connection &connection)
+    /// Returns how it was asked for.
+    QByteArray serve(LoopbackPeer::Connection &connection)
     {
-        connection.acceptWebSocket();
+        const QByteArray head = connection.acceptWebSocket();
         QByteArray frame;
         while ((frame = connection.readFrame()).startsWith('\x81')) {
             const QJsonObject message = QJsonDocument::fromJson(frame.mid(1)).object();
@@ -76,6 +79,7 @@ struct FakeBrowser
                                      ',' + *content + '}');
         }
         wasClosed = frame.startsWith('\x88');
+        return head;
     }
 
     QByteArrayList pages;
@@ -136,32 +140,36 @@ TEST(DevToolsSessionTest, APageThatHangsEndsWithTheDeadline)
     EXPECT_TRUE(opened);
 }
 
-TEST(DevToolsSessionTest, ABrowserThatWasToldItsPortIsAskedForItsPath)
+TEST(DevToolsSessionTest, ABrowserThatWasToldItsPortIsAskedForItsPathAndWhoItIs)
 {
+    const QByteArray version = R"({"webSocketDebuggerUrl": "ws://127.0.0.1:1/devtools/browser/7-a"})";
     const struct
     {
         QByteArray version;
-        QByteArray request; ///< of the second connection; none when it must not come
+        QList<qint64> processes;
+        bool isOpened;
     } cases[] = {
-        {R"({"webSocketDebuggerUrl": "ws://127.0.0.1:1/devtools/browser/7-a"})",
-         "GET /devtools/browser/7-a HTTP/1.1"},
-        {"{}", ""},
-        {"[1", ""},
-        {QByteArray(1 << 20, ' '), ""},
+        {version, {4711, 2}, true},
+        {version, {4711, 3}, false},
+        {"{}", {2}, false},
+        {"[1", {2}, false},
+        {QByteArray(1 << 20, ' '), {2}, false},
     };
     for (const auto &one : cases) {
-        QByteArrayList requests;
+        FakeBrowser browser({});
+        QByteArrayList heads;
         {
             LoopbackPeer peer([&](LoopbackPeer::Connection &connection) {
-                requests << connection.readHead().split('\r').first();
-                if (requests.size() == 1)
-                    connection.write("HTTP/1.1 200 OK\r\nContent-Type: application/json\r\n\r\n" +
-                                     one.version);
+                if (!heads.isEmpty())
+                    return heads.append(browser.serve(connection));
+                heads << connection.readHead();
+                connection.write("HTTP/1.1 200 OK\r\nContent-Type: application/json\r\n\r\n" + one.version);
             });
-            EXPECT_FALSE(DevToolsSession(QDeadlineTimer(60s)).open({peer.port(), {}}));
+            DevToolsSession session(QDeadlineTimer(60s));
+            EXPECT_EQ(session.open({peer.port(), {}, one.processes}), one.isOpened);
         }
-        EXPECT_EQ(requests.value(0), "GET /json/version HTTP/1.1");
-        EXPECT_EQ(requests.value(1), one.request);
+        EXPECT_TRUE(heads[0].startsWith("GET /json/version HTTP/1.1\r\n"));
+        EXPECT_EQ(heads.value(1).startsWith("GET /devtools/browser/7-a "), one.version == version);
     }
 }
 

@@ -20,6 +20,7 @@ class NotificationCenter;
 class PanelHost;
 class Pasteboard;
 class ScreenCapture;
+class ScriptRunner;
 class SecretStore;
 class SpeechSynthesizer;
 class SystemLog;
@@ -50,6 +51,7 @@ public:
     virtual PanelHost &panelHost() = 0;
     virtual Pasteboard &pasteboard() = 0;
     virtual ScreenCapture &screenCapture() = 0;
+    virtual ScriptRunner &scriptRunner() = 0;
     virtual SecretStore &secretStore() = 0;
     virtual SpeechSynthesizer &speechSynthesizer() = 0;
     virtual SystemLog &systemLog() = 0;

@@ -5,6 +5,7 @@
 #include <csignal>
 
 #include "Desktop/AccessibilityFixture.h"
+#include "Desktop/ChromiumArguments.h"
 
 namespace tovi {
 namespace {
@@ -180,20 +181,6 @@ TEST_F(BrowserDesktop, Firefox)
     readSelections("firefox");
 }
 
-QStringList chromiumArguments(const DesktopSession &desktop, const QString &file)
-{
-    return {QStringLiteral("--no-sandbox"),
-            QStringLiteral("--no-first-run"),
-            QStringLiteral("--disable-gpu"),
-            QStringLiteral("--disable-quic"),
-            QStringLiteral("--disable-background-networking"),
-            QStringLiteral("--disable-component-update"),
-            QStringLiteral("--disable-sync"),
-            QStringLiteral("--password-store=basic"),
-            QStringLiteral("--user-data-dir=") + desktop.home() + QStringLiteral("/chromium"),
-            file};
-}
-
 TEST_F(BrowserDesktop, Chromium)
 {
     if (!DesktopSession::isInstalled(QStringLiteral("chromium")))
@@ -201,7 +188,7 @@ TEST_F(BrowserDesktop, Chromium)
     const QString file = desktop->writeFile(QStringLiteral("harbour.html"), page);
     ASSERT_TRUE(desktop->start(QStringLiteral("chromium"),
                                QStringList{QStringLiteral("--force-renderer-accessibility")} +
-                                   chromiumArguments(*desktop, file)));
+                                   chromiumArguments(*desktop, {file})));
     ASSERT_TRUE(desktop->waitForWindow(QStringLiteral("Harbour is open")));
     readSelections("chromium");
 }
@@ -213,7 +200,7 @@ TEST_F(BrowserDesktop, ChromiumWithoutAccessibility)
     const QString file = desktop->writeFile(QStringLiteral("harbour.html"), page);
     ASSERT_TRUE(desktop->start(QStringLiteral("chromium"),
                                QStringList{QStringLiteral("--disable-renderer-accessibility")} +
-                                   chromiumArguments(*desktop, file),
+                                   chromiumArguments(*desktop, {file}),
                                {QStringLiteral("NO_AT_BRIDGE=1"), QStringLiteral("GNOME_ACCESSIBILITY=0")}));
     ASSERT_TRUE(desktop->waitForWindow(QStringLiteral("Harbour is open")));
     Captured captured;

@@ -7,6 +7,7 @@
 #include <X11/keysym.h>
 #include <gtest/gtest.h>
 
+#include "Desktop/ChromiumArguments.h"
 #include "Desktop/ProgramFixture.h"
 
 namespace tovi {
@@ -141,6 +142,27 @@ TEST_F(ProgramWithoutAccessibility, StillAnswersTheShortcut)
     EXPECT_EQ(captured->numbers.value("source"), -1);
     EXPECT_TRUE(trace.next("panelPainted"));
     EXPECT_EQ(tovi->state(), QProcess::Running);
+}
+
+TEST_F(ProgramWithoutAccessibility, ABrowserWithItsPortOpenTellsTheSelectionOfItsPage)
+{
+    if (!DesktopSession::isInstalled(QStringLiteral("chromium")))
+        GTEST_SKIP() << "chromium is not installed";
+    writeDemoSettings(desktop);
+    startProgram();
+    const QString page = desktop.writeFile(
+        QStringLiteral("page.html"),
+        QStringLiteral("<p>Harbour<script>getSelection().selectAllChildren(document.querySelector('p'));"
+                       "document.title = 'Selected'</script>"));
+    ASSERT_TRUE(
+        desktop.start(QStringLiteral("chromium"),
+                      chromiumArguments(desktop, {QStringLiteral("--remote-debugging-port=0"), page})));
+    ASSERT_TRUE(desktop.waitForWindow(QStringLiteral("Selected")));
+    desktop.pressKey(XK_d, {XK_Alt_L});
+    const auto captured = trace.next("captured");
+    ASSERT_TRUE(captured);
+    EXPECT_EQ(captured->numbers.value("source"), 1);
+    EXPECT_EQ(captured->numbers.value("bounds"), 0);
 }
 
 } // namespace

@@ -17,6 +17,7 @@
 #include "Platform/Pasteboard.h"
 #include "Platform/Platform.h"
 #include "Platform/ScreenCapture.h"
+#include "Platform/ScriptRunner.h"
 #include "Platform/SecretStore.h"
 #include "Platform/SystemLog.h"
 #include "Platform/URLSession.h"
@@ -140,6 +141,19 @@ struct TestScreenCapture final : ScreenCapture
     int requests = 0;
 };
 
+struct TestScriptRunner final : ScriptRunner
+{
+    std::optional<QString> run(const QString &source) override
+    {
+        const std::scoped_lock lock(mutex);
+        sources << source;
+        return result;
+    }
+    std::mutex mutex;
+    std::optional<QString> result;
+    QStringList sources;
+};
+
 struct TestSystemLog final : SystemLog
 {
     void write(const QString &line) override
@@ -228,6 +242,7 @@ public:
     TestPanelHost &panelHost() override { return m_panelHost; }
     TestPasteboard &pasteboard() override { return m_pasteboard; }
     TestScreenCapture &screenCapture() override { return m_screenCapture; }
+    TestScriptRunner &scriptRunner() override { return m_scriptRunner; }
     TestSecretStore &secretStore() override { return m_secretStore; }
     TestSpeechSynthesizer &speechSynthesizer() override { return m_speechSynthesizer; }
     TestSystemLog &systemLog() override { return m_systemLog; }
@@ -251,6 +266,7 @@ private:
     TestPanelHost m_panelHost;
     TestPasteboard m_pasteboard{m_clock};
     TestScreenCapture m_screenCapture;
+    TestScriptRunner m_scriptRunner;
     TestSecretStore m_secretStore;
     TestSpeechSynthesizer m_speechSynthesizer;
     TestSystemLog m_systemLog;

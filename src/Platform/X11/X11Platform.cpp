@@ -8,6 +8,7 @@
 #include "Platform/Linux/ApertiumFramework.h"
 #include "Platform/Linux/AtspiAccessibility.h"
 #include "Platform/Linux/CurlURLLoading.h"
+#include "Platform/Linux/DevToolsScriptRunner.h"
 #include "Platform/Linux/JsonUserDefaults.h"
 #include "Platform/Linux/LinuxApplication.h"
 #include "Platform/Linux/LinuxClock.h"
@@ -91,6 +92,7 @@ struct X11Platform::Services
     X11PanelHost panelHost{workspace.frontWindow(), clock};
     AtspiAccessibility accessibility{sharedWithoutOwnership(workspace.frontWindow()),
                                      std::make_shared<XcbPrimarySelection>(), accessibilityScale()};
+    DevToolsScriptRunner scriptRunner{workspace, sharedWithoutOwnership(workspace.frontWindow())};
     ApertiumFramework translationFramework;
     CurlURLLoading urlLoading{clock, systemLog};
     SpeechDispatcherSynthesizer speechSynthesizer{clock, systemLog};
@@ -173,6 +175,11 @@ Pasteboard &X11Platform::pasteboard()
 ScreenCapture &X11Platform::screenCapture()
 {
     return m_services->screenCapture;
+}
+
+ScriptRunner &X11Platform::scriptRunner()
+{
+    return m_services->scriptRunner;
 }
 
 SecretStore &X11Platform::secretStore()

@@ -31,6 +31,7 @@ public:
     PanelHost &panelHost() override;
     Pasteboard &pasteboard() override;
     ScreenCapture &screenCapture() override;
+    ScriptRunner &scriptRunner() override;
     SecretStore &secretStore() override;
     SpeechSynthesizer &speechSynthesizer() override;
     SystemLog &systemLog() override;

@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <vector>
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <gtest/gtest.h>
+
+#include <X11/keysym.h>
+
+#include "Desktop/ChromiumArguments.h"
+#include "Platform/Linux/BrowserIdentifiers.h"
+#include "Platform/Linux/DevToolsEndpoint.h"
+#include "Platform/Linux/DevToolsScriptRunner.h"
+#include "Platform/Workspace.h"
+#include "Platform/X11/FrontWindow.h"
+#include "Support/LoopbackPeer.h"
+
+namespace tovi {
+namespace {
+
+const QString script = QStringLiteral(R"--(tell application id "org.chromium.Chromium"
+    if (count of windows) is 0 then return ""
+    try
+        return (execute front window's active tab javascript "window.getSelection().toString()")
+    on error
+        return ""
+    end try
+end tell)--");
+
+struct FrontWorkspace final : Workspace
+{
+    std::optional<RunningApplication> frontmostApplication() override
+    {
+        const auto details = front->details();
+        if (!details)
+            return std::nullopt;
+        return RunningApplication{
+            {}, browserIdentifier(details->hints.windowClass), details->window.processIdentifier};
+    }
+    QList<Screen> screens() override { return {}; }
+    std::optional<Screen> mainScreen() override { return {}; }
+    std::optional<QPointF> mouseLocation() override { return {}; }
+    std::shared_ptr<FrontWindow> front = std::make_shared<FrontWindow>();
+};
+
+class BrowserScriptDesktop : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (!DesktopSession::isInstalled(QStringLiteral("chromium")))
+            GTEST_SKIP() << "chromium is not installed";
+        ASSERT_EQ(desktop.error(), QString());
+    }
+    /// A page whose text selects itself.
+    QString page(const QString &title, const QString &text) const
+    {
+        return desktop.writeFile(
+            title + text + QStringLiteral(".html"),
+            QStringLiteral("<!doctype html><meta charset=utf-8><title>%1</title><p>%2</p>"
+                           "<script>getSelection().selectAllChildren(document.querySelector('p'))</script>")
+                .arg(title, text));
+    }
+    QProcess *start(const QStringList &arguments)
+    {
+        return desktop.start(QStringLiteral("chromium"), chromiumArguments(desktop, arguments));
+    }
+    void expectText(const QString &expected)
+    {
+        std::optional<QString> text;
+        EXPECT_TRUE(DesktopSession::eventually([&] { return (text = runner.run(script)) == expected; },
+                                               std::chrono::seconds(30)))
+            << expected.toStdString() << " but " << text.value_or(QStringLiteral("none")).toStdString();
+    }
+    void expectNone(const char *name)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        EXPECT_FALSE(runner.run(script));
+        std::printf("  %s: none after %.2f ms\n", name, double(timer.nsecsElapsed()) / 1e6);
+    }
+
+    const QString openPort = QStringLiteral("--remote-debugging-port=0");
+    DesktopSession desktop{{.accessibilityServices = false}};
+    FrontWorkspace workspace;
+    DevToolsScriptRunner runner{workspace, workspace.front};
+};
+
+TEST_F(BrowserScriptDesktop, ThePageTellsItsSelection)
+{
+    const QString text = QString::fromUtf8("Ships 🚢 leave\u00a0the \"harbour\" \\ at dawn");
+    QProcess *browser = start({openPort, page(QStringLiteral("Harbour"), text)});
+    ASSERT_TRUE(browser && desktop.waitForWindow(QStringLiteral("Harbour")));
+    expectText(text);
+    constexpr int runs = 50;
+    std::vector<double> times;
+    for (int i = 0; i < runs; ++i) {
+        QElapsedTimer timer;
+        timer.start();
+        EXPECT_EQ(runner.run(script), text);
+        times.push_back(double(timer.nsecsElapsed()) / 1e6);
+    }
+    std::sort(times.begin(), times.end());
+    std::printf("  warm run: median %.2f ms, longest %.2f ms\n", times[runs / 2], times.back());
+
+    ::kill(static_cast<pid_t>(browser->processId()), SIGSTOP);
+    expectNone("stopped browser");
+    ::kill(static_cast<pid_t>(browser->processId()), SIGCONT);
+    expectText(text);
+    desktop.end(browser);
+
+    // The file of the port stays behind, and a browser without one opens the same profile.
+    ASSERT_TRUE(QFile::exists(desktop.home() + QStringLiteral("/chromium/DevToolsActivePort")));
+    browser = start({page(QStringLiteral("Later"), text)});
+    ASSERT_TRUE(browser && desktop.waitForWindow(QStringLiteral("Later")));
+    EXPECT_FALSE(DevToolsEndpoint::find(QStringLiteral("org.chromium.Chromium"), browser->processId()));
+    expectNone("no port");
+}
+
+TEST_F(BrowserScriptDesktop, TheActiveTabOfTheActiveWindowIsAsked)
+{
+    ASSERT_TRUE(start({openPort, page(QStringLiteral("First"), QStringLiteral("one")),
+                       page(QStringLiteral("Second"), QStringLiteral("two")),
+                       page(QStringLiteral("Same"), QStringLiteral("three"))}));
+    const xcb_window_t left = desktop.waitForWindow(QStringLiteral("First"));
+    ASSERT_TRUE(left);
+    expectText(QStringLiteral("one"));
+    desktop.pressKey(XK_2, {XK_Control_L});
+    expectText(QStringLiteral("two"));
+    desktop.pressKey(XK_l, {XK_Control_L}); // the address bar has the keyboard
+    expectText(QStringLiteral("two"));
+    desktop.pressKey(XK_3, {XK_Control_L});
+    expectText(QStringLiteral("three"));
+
+    ASSERT_TRUE(start({QStringLiteral("--new-window"), page(QStringLiteral("Same"), QStringLiteral("four")),
+                       page(QStringLiteral("Fifth"), QStringLiteral("five"))}));
+    expectText(QStringLiteral("four"));
+    const xcb_window_t right = desktop.activeWindow();
+    ASSERT_NE(right, left);
+    desktop.activate(left);
+    expectText(QStringLiteral("three"));
+    desktop.activate(right);
+    expectText(QStringLiteral("four"));
+    desktop.pressKey(XK_2, {XK_Control_L});
+    expectText(QStringLiteral("five"));
+}
+
+TEST_F(BrowserScriptDesktop, ABrowserThatWasToldItsPort)
+{
+    quint16 freePort;
+    {
+        freePort = LoopbackPeer([](LoopbackPeer::Connection &) {}).port();
+    }
+    ASSERT_TRUE(start({QStringLiteral("--remote-debugging-port=%1").arg(freePort),
+                       page(QStringLiteral("Harbour"), QStringLiteral("told"))}));
+    ASSERT_TRUE(desktop.waitForWindow(QStringLiteral("Harbour")));
+    expectText(QStringLiteral("told"));
+}
+
+} // namespace
+} // namespace tovi

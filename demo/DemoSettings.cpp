@@ -45,13 +45,15 @@ void writeDemoSettings(const DesktopSession &desktop, const QJsonObject &engine)
     writeDemoSettings(desktop, QJsonArray{engine});
 }
 
-void writeDemoSettings(const DesktopSession &desktop, const QJsonArray &engines)
+void writeDemoSettings(const DesktopSession &desktop, const QJsonArray &engines, const QJsonObject &more)
 {
-    const QJsonObject settings{{QStringLiteral("targetLanguage"), QStringLiteral("es")},
-                               {QStringLiteral("ocrEnabled"), false},
-                               {QStringLiteral("hasCompletedOnboarding"), true},
-                               {QStringLiteral("currentProviderID"), engines[0][QLatin1String("id")]},
-                               {QStringLiteral("providers"), engines}};
+    QJsonObject settings{{QStringLiteral("targetLanguage"), QStringLiteral("es")},
+                         {QStringLiteral("ocrEnabled"), false},
+                         {QStringLiteral("hasCompletedOnboarding"), true},
+                         {QStringLiteral("currentProviderID"), engines[0][QLatin1String("id")]},
+                         {QStringLiteral("providers"), engines}};
+    for (auto it = more.begin(); it != more.end(); ++it)
+        settings[it.key()] = it.value();
     QDir().mkpath(desktop.home() + QStringLiteral("/config/tovi"));
     desktop.writeFile(QStringLiteral("config/tovi/defaults.json"),
                       QString::fromUtf8(QJsonDocument(settings).toJson()));

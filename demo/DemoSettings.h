@@ -14,8 +14,9 @@ QJsonObject onDeviceEngine();
 QJsonObject chatEngine(const QString &baseURL);
 
 /// Writes the program's settings into the desktop's configuration folder: into Spanish by this engine,
-/// or the first of these.
-void writeDemoSettings(const DesktopSession &desktop, const QJsonArray &engines);
+/// or the first of these; `more` are further settings.
+void writeDemoSettings(const DesktopSession &desktop, const QJsonArray &engines,
+                       const QJsonObject &more = {});
 void writeDemoSettings(const DesktopSession &desktop, const QJsonObject &engine = onDeviceEngine());
 
 } // namespace tovi

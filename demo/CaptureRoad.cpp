@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+// Takes one road to the selection of the frontmost application, for tests and measurements:
+//     tovi-road menu|copy|script [COUNT]
+// prints a line for each of COUNT times: how long it took in milliseconds, then the text, percent-encoded.
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QUrl>
+
+#include "Capture/AppleScriptCapturer.h"
+#include "Capture/ClipboardCapturer.h"
+#include "Capture/MenuBarCopyCapturer.h"
+#include "Platform/Accessibility.h"
+#include "Platform/DispatchQueue.h"
+#include "Platform/X11/X11Platform.h"
+
+namespace tovi {
+namespace {
+
+using namespace std::chrono_literals;
+
+std::optional<QString> capture(const QString &road)
+{
+    if (road == QLatin1String("script"))
+        return AppleScriptCapturer::selectedText();
+    const bool byMenu = road == QLatin1String("menu");
+    const auto copied = ClipboardCapturer::selectedText(true, byMenu, 400ms);
+    return copied && copied->usedMenuBar == byMenu ? std::optional(copied->text) : std::nullopt;
+}
+
+void captureRepeatedly(const QString &road, int count)
+{
+    for (int i = 0; i < count; ++i) {
+        QElapsedTimer timer;
+        timer.start();
+        const auto text = capture(road);
+        std::printf("%.2f %s\n", double(timer.nsecsElapsed()) / 1e6,
+                    text ? QUrl::toPercentEncoding(*text).constData() : "");
+        std::fflush(stdout);
+    }
+}
+
+} // namespace
+} // namespace tovi
+
+int main(int argc, char **argv)
+{
+    using namespace tovi;
+    X11Platform::prepareEnvironment();
+    QApplication app(argc, argv);
+    X11Platform platform;
+    platform.accessibility().requestTrust();
+    const QStringList arguments = QCoreApplication::arguments();
+    const QString road = arguments.value(1);
+    const int count = std::max(arguments.value(2).toInt(), 1);
+    DispatchQueue queue(QStringLiteral("capture"));
+    auto done = queue.run([&] { captureRepeatedly(road, count); });
+    done.then(&app, [] { QCoreApplication::quit(); });
+    return QApplication::exec();
+}

@@ -109,6 +109,9 @@ public:
 
     /// Answers "AXFocusedUIElement" and elementAtPosition(). Any thread.
     virtual AXElement systemWideElement() = 0;
+    /// The element of an application, which answers "AXMenuBar": the menu bar of its frontmost window. Any
+    /// thread.
+    virtual AXElement applicationElement(qint64 processIdentifier) = 0;
 };
 
 } // namespace tovi

@@ -44,7 +44,9 @@ protected:
     {
         writeDemoSettings(desktop, {onDeviceEngine()}, settings);
         startProgram();
+        const qint64 count = reader.changeCount();
         other.write(before);
+        EXPECT_TRUE(DesktopSession::eventually([&] { return reader.changeCount() != count; }));
     }
     /// Waits for the application's window; whether there is one.
     bool open(const QString &program, const QStringList &arguments, const QString &title)

@@ -60,7 +60,13 @@ public:
     bool isProcessTrusted() override { return trusted; }
     void requestTrust() override { ++trustRequests; }
     AXElement systemWideElement() override { return AXElement(systemWide); }
+    AXElement applicationElement(qint64 processIdentifier) override
+    {
+        const auto it = applications.find(processIdentifier);
+        return it == applications.end() ? AXElement(std::make_shared<TestElement>()) : it->second;
+    }
 
+    std::map<qint64, AXElement> applications; ///< by process identifier
     std::shared_ptr<TestElement> systemWide = std::make_shared<TestElement>();
     bool trusted = true;
     int trustRequests = 0;

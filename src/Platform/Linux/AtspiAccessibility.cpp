@@ -4,6 +4,7 @@
 #include "Platform/Linux/AccessibilityBus.h"
 #include "Platform/Linux/AtspiClient.h"
 #include "Platform/Linux/AtspiElement.h"
+#include "Platform/Linux/AtspiMenuElement.h"
 
 namespace tovi {
 
@@ -31,6 +32,11 @@ void AtspiAccessibility::requestTrust()
 AXElement AtspiAccessibility::systemWideElement()
 {
     return AXElement(std::make_shared<AtspiSystemWideElement>(m_context));
+}
+
+AXElement AtspiAccessibility::applicationElement(qint64 processIdentifier)
+{
+    return AXElement(std::make_shared<AtspiApplicationElement>(m_context, processIdentifier));
 }
 
 } // namespace tovi

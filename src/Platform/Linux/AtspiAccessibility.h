@@ -46,6 +46,7 @@ public:
     bool isProcessTrusted() override;
     void requestTrust() override;
     AXElement systemWideElement() override;
+    AXElement applicationElement(qint64 processIdentifier) override;
 
 private:
     std::unique_ptr<AccessibilityBus> m_bus;

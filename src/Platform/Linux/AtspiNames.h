@@ -12,6 +12,7 @@ inline constexpr char registryInterface[] = "org.a11y.atspi.Registry";
 inline constexpr char rootPath[] = "/org/a11y/atspi/accessible/root";
 
 inline constexpr char accessible[] = "org.a11y.atspi.Accessible";
+inline constexpr char action[] = "org.a11y.atspi.Action";
 inline constexpr char application[] = "org.a11y.atspi.Application";
 inline constexpr char collection[] = "org.a11y.atspi.Collection";
 inline constexpr char component[] = "org.a11y.atspi.Component";
@@ -25,7 +26,9 @@ enum State {
     StateActive = 1,
     StateDefunct = 6,
     StateEditable = 7,
+    StateEnabled = 8,
     StateFocused = 12,
+    StateSensitive = 24,
     StateShowing = 25,
 };
 
@@ -35,10 +38,23 @@ constexpr bool has(quint64 states, State state)
 }
 
 enum Role {
+    RoleCheckBox = 7,
+    RoleCheckMenuItem = 8,
     RoleColumnHeader = 10,
+    RoleFiller = 20,
+    RoleLayeredPane = 30,
+    RoleMenu = 33,
+    RoleMenuBar = 34,
+    RoleMenuItem = 35,
+    RolePanel = 39,
+    RolePopupMenu = 41,
+    RoleRadioButton = 44,
+    RoleRadioMenuItem = 45,
+    RoleRootPane = 46,
     RoleTableCell = 56,
     RoleTableColumnHeader = 57,
     RoleTableRowHeader = 58,
+    RoleToolBar = 63,
 };
 
 /// Roles whose text runs on in the line of the text around them.

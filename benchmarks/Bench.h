@@ -24,6 +24,7 @@ void benchLookups();
 void benchPanels();
 void benchStreams();
 double benchAccessibility(DesktopSession &desktop);
+void benchRoads(DesktopSession &desktop);
 void benchProgram(DesktopSession &desktop, const Programs &programs, double queryMilliseconds);
 
 } // namespace tovi::bench

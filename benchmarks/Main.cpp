@@ -19,13 +19,16 @@ int main(int argc, char **argv)
     parser.addOption({QStringLiteral("tovi"), QStringLiteral("The program to measure."),
                       QStringLiteral("path"), QStringLiteral("build/release/tovi")});
     parser.addOption({QStringLiteral("no-desktop"), QStringLiteral("Leave out what needs a desktop.")});
+    parser.addOption({QStringLiteral("roads"), QStringLiteral("Only the roads to the selection.")});
     parser.process(app);
 
     const bench::Programs programs{QFileInfo(parser.value(QStringLiteral("tovi"))).absoluteFilePath(),
                                    QCoreApplication::applicationDirPath() + QStringLiteral("/tovi-floor")};
-    bench::benchLookups();
-    bench::benchStreams();
-    bench::benchPanels();
+    if (!parser.isSet(QStringLiteral("roads"))) {
+        bench::benchLookups();
+        bench::benchStreams();
+        bench::benchPanels();
+    }
     if (parser.isSet(QStringLiteral("no-desktop")))
         return 0;
     DesktopSession desktop({.trayHost = true});
@@ -34,7 +37,12 @@ int main(int argc, char **argv)
         return 1;
     }
     writeDemoSettings(desktop);
+    if (parser.isSet(QStringLiteral("roads"))) {
+        bench::benchRoads(desktop);
+        return 0;
+    }
     const double query = bench::benchAccessibility(desktop);
+    bench::benchRoads(desktop);
     bench::benchProgram(desktop, programs, query);
     return 0;
 }

@@ -17,9 +17,12 @@ demo_packages=(xvfb openbox dbus-daemon mousepad fonts-noto-core x11-xkb-utils)
 # What the tests drive.
 test_packages=(
     libgtest-dev libgmock-dev "${demo_packages[@]}"
-    openssl gnome-keyring xterm trayer xcompmgr x11-xserver-utils
+    openssl gnome-keyring xterm lxterminal trayer xcompmgr x11-xserver-utils
     featherpad firefox-esr chromium fonts-noto-cjk fonts-noto-color-emoji
 )
+
+# What the benchmark compares with.
+bench_packages=(xdotool xclip)
 
 # Installs the packages that are missing, once, with root's or sudo's rights.
 install_packages() {

@@ -4,8 +4,8 @@
 #include <X11/keysym.h>
 #include <csignal>
 
+#include "ChromiumArguments.h"
 #include "Desktop/AccessibilityFixture.h"
-#include "Desktop/ChromiumArguments.h"
 
 namespace tovi {
 namespace {

@@ -10,7 +10,7 @@
 
 #include <X11/keysym.h>
 
-#include "Desktop/ChromiumArguments.h"
+#include "ChromiumArguments.h"
 #include "Platform/Linux/BrowserIdentifiers.h"
 #include "Platform/Linux/DevToolsEndpoint.h"
 #include "Platform/Linux/DevToolsScriptRunner.h"

@@ -5,7 +5,7 @@
 #include <QFile>
 
 #include "Capture/CaptureResult.h"
-#include "Desktop/ChromiumArguments.h"
+#include "ChromiumArguments.h"
 #include "Desktop/ProgramFixture.h"
 #include "Platform/X11/X11Pasteboard.h"
 

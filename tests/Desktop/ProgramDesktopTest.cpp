@@ -7,7 +7,7 @@
 #include <X11/keysym.h>
 #include <gtest/gtest.h>
 
-#include "Desktop/ChromiumArguments.h"
+#include "ChromiumArguments.h"
 #include "Desktop/ProgramFixture.h"
 
 namespace tovi {

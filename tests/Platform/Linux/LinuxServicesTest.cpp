@@ -11,11 +11,13 @@
 #include <QSet>
 #include <QTemporaryDir>
 
+#include "Platform/Keyboard.h"
 #include "Platform/Linux/BrowserIdentifiers.h"
 #include "Platform/Linux/DesktopEntries.h"
 #include "Platform/Linux/LinuxApplication.h"
 #include "Platform/Linux/LinuxClock.h"
 #include "Platform/Linux/LocaleNames.h"
+#include "Platform/Linux/TerminalEmulators.h"
 #include "Platform/Linux/VirtualKeyCodes.h"
 #include "Support/TestClock.h"
 
@@ -123,6 +125,37 @@ TEST(BrowserIdentifiers, KnowTheBrowsersOfTheListsByEntryOrClass)
     EXPECT_EQ(browserIdentifier(QStringLiteral("com.microsoft.Edge")),
               QStringLiteral("com.microsoft.edgemac"));
     EXPECT_EQ(browserIdentifier(QStringLiteral("firefox-esr")), QString());
+}
+
+TEST(TerminalEmulators, CopyWithTheirOwnKeyOrNone)
+{
+    constexpr quint32 command = ModifierFlag::command;
+    const DesktopEntry unknown{
+        QStringLiteral("org.example.Shell"), {}, {}, {}, {QStringLiteral("TerminalEmulator")}};
+    const DesktopEntry editor{QStringLiteral("editor"), {}, {}, {}, {QStringLiteral("Utility")}};
+    const auto named = [](const char *application, const char *windowClass, const char *instance,
+                          const char *process) {
+        return ApplicationHints{QLatin1String(application), QLatin1String(windowClass),
+                                QLatin1String(instance), QLatin1String(process)};
+    };
+    const struct
+    {
+        ApplicationHints hints;
+        std::optional<DesktopEntry> entry;
+        std::optional<quint32> expected;
+    } cases[] = {
+        {named("", "Mousepad", "mousepad", "mousepad"), editor, command},
+        {{}, std::nullopt, command},
+        {named("org.gnome.Terminal", "Gnome-terminal", "", "gnome-terminal-"), std::nullopt,
+         command | ModifierFlag::shift},
+        {named("", "Konsole", "konsole", "konsole"), std::nullopt, command | ModifierFlag::shift},
+        {named("", "URxvt", "urxvt", "urxvt"), std::nullopt, command | ModifierFlag::option},
+        {named("", "XTerm", "xterm", "xterm"), std::nullopt, std::nullopt},
+        {named("", "mutt", "mutt", "xterm"), unknown, std::nullopt}, // named after what runs in it
+        {named("", "Shell", "shell", "shell"), unknown, command | ModifierFlag::shift},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(copyModifiers(c.hints, c.entry), c.expected) << c.hints.windowClass.toStdString();
 }
 
 TEST(LinuxApplication, PreferredLanguagesComeFromTheEnvironment)

@@ -5,6 +5,7 @@
 #include <X11/keysym.h>
 
 #include "Bench.h"
+#include "ChromiumArguments.h"
 #include "DesktopSession.h"
 #include "Platform/DispatchQueue.h"
 #include "Platform/Linux/AtspiAccessibility.h"
@@ -71,11 +72,8 @@ QList<Target> targets(const DesktopSession &desktop)
          QStringLiteral("firefox-esr"),
          {QStringLiteral("--no-remote"), QStringLiteral("--profile"), profile, page},
          QStringLiteral("Firefox")},
-        {"Chromium, page",
-         QStringLiteral("chromium"),
-         {QStringLiteral("--no-sandbox"), QStringLiteral("--no-first-run"), QStringLiteral("--disable-gpu"),
-          QStringLiteral("--disable-background-networking"), QStringLiteral("--force-renderer-accessibility"),
-          QStringLiteral("--user-data-dir=") + desktop.home() + QStringLiteral("/chromium"), page},
+        {"Chromium, page", QStringLiteral("chromium"),
+         chromiumArguments(desktop, {QStringLiteral("--force-renderer-accessibility"), page}),
          QStringLiteral("Chromium")},
         {"terminal (xterm), primary selection",
          QStringLiteral("xterm"),

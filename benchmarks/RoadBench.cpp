@@ -6,6 +6,7 @@
 #include <X11/keysym.h>
 
 #include "Bench.h"
+#include "ChromiumArguments.h"
 #include "DesktopSession.h"
 
 namespace tovi::bench {
@@ -39,35 +40,32 @@ QList<Target> targets(const DesktopSession &desktop)
     const QString menu = QStringLiteral("menu");
     const QString copy = QStringLiteral("copy");
     const QString controlC = QStringLiteral("ctrl+c");
-    return {
-        {"GTK editor (mousepad)",
-         QStringLiteral("mousepad"),
-         {QStringLiteral("--disable-server"), file},
-         QStringLiteral("sample"),
-         {menu, copy},
-         controlC},
-        {"Qt editor (featherpad)",
-         QStringLiteral("featherpad"),
-         {QStringLiteral("--standalone"), file},
-         QStringLiteral("sample"),
-         {menu, copy},
-         controlC},
-        {"Chromium, page",
-         QStringLiteral("chromium"),
-         {QStringLiteral("--no-sandbox"), QStringLiteral("--no-first-run"), QStringLiteral("--disable-gpu"),
-          QStringLiteral("--disable-background-networking"), QStringLiteral("--remote-debugging-port=0"),
-          QStringLiteral("--user-data-dir=") + desktop.home() + QStringLiteral("/roads"), page},
-         QStringLiteral("Chromium"),
-         {QStringLiteral("script"), copy},
-         controlC},
-        {"terminal (lxterminal)",
-         QStringLiteral("lxterminal"),
-         {QStringLiteral("-t"), QStringLiteral("sample"), QStringLiteral("-e"),
-          QStringLiteral("bash -c \"cat %1; sleep 600\"").arg(file)},
-         QStringLiteral("sample"),
-         {menu, copy},
-         QStringLiteral("ctrl+shift+c"),
-         true}};
+    return {{"GTK editor (mousepad)",
+             QStringLiteral("mousepad"),
+             {QStringLiteral("--disable-server"), file},
+             QStringLiteral("sample"),
+             {menu, copy},
+             controlC},
+            {"Qt editor (featherpad)",
+             QStringLiteral("featherpad"),
+             {QStringLiteral("--standalone"), file},
+             QStringLiteral("sample"),
+             {menu, copy},
+             controlC},
+            {"Chromium, page",
+             QStringLiteral("chromium"),
+             chromiumArguments(desktop, {QStringLiteral("--remote-debugging-port=0"), page}),
+             QStringLiteral("Chromium"),
+             {QStringLiteral("script"), copy},
+             controlC},
+            {"terminal (lxterminal)",
+             QStringLiteral("lxterminal"),
+             {QStringLiteral("-t"), QStringLiteral("sample"), QStringLiteral("-e"),
+              QStringLiteral("bash -c \"cat %1; sleep 600\"").arg(file)},
+             QStringLiteral("sample"),
+             {menu, copy},
+             QStringLiteral("ctrl+shift+c"),
+             true}};
 }
 
 /// The times of a road, empty when one of them gave another text.

@@ -3,11 +3,13 @@
 
 #include <utility>
 
+#include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QTextDocument>
 
 #include "UI/OverlayScrollBar.h"
+#include "UI/TextEditing.h"
 
 namespace tovi {
 
@@ -58,11 +60,16 @@ void EditableTextView::keyPressEvent(QKeyEvent *event)
         ensureCursorVisible();
     } else if (isReturn) {
         emit submitted();
-    } else if (event->key() == Qt::Key_V && event->modifiers() == (Qt::ControlModifier | Qt::ShiftModifier)) {
-        paste();
+    } else if (event->matches(QKeySequence::Paste)) {
+        perform(TextEditing::paste, *this);
     } else {
         QPlainTextEdit::keyPressEvent(event);
     }
+}
+
+void EditableTextView::contextMenuEvent(QContextMenuEvent *event)
+{
+    showEditMenu(*this, event->pos());
 }
 
 void EditableTextView::insertFromMimeData(const QMimeData *source)

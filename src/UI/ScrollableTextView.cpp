@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include <QAbstractTextDocumentLayout>
+#include <QContextMenuEvent>
 #include <QMimeData>
 #include <QScrollBar>
 #include <QTextBlock>
@@ -11,6 +12,7 @@
 #include <QTextLayout>
 
 #include "UI/OverlayScrollBar.h"
+#include "UI/TextEditing.h"
 
 namespace tovi {
 
@@ -242,6 +244,11 @@ void ScrollableTextView::focusOutEvent(QFocusEvent *event)
 {
     QTextEdit::focusOutEvent(event);
     setCursorWidth(0);
+}
+
+void ScrollableTextView::contextMenuEvent(QContextMenuEvent *event)
+{
+    showEditMenu(*this, event->pos());
 }
 
 QMimeData *ScrollableTextView::createMimeDataFromSelection() const

@@ -2,14 +2,17 @@
 #include "UI/TextEditing.h"
 
 #include <QLineEdit>
+#include <QMenu>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QTextEdit>
 #include <qcorofuture.h>
 #include <qcorotask.h>
 
+#include "Localization.h"
 #include "Platform/Pasteboard.h"
 #include "Platform/PasteboardQueue.h"
+#include "UI/Controls/MenuPresenter.h"
 #include "UI/EditableTextView.h"
 
 namespace tovi {
@@ -67,6 +70,36 @@ bool performIn(TextEditing editing, View &view)
     return false;
 }
 
+template <class View>
+void showMenu(View &view, const QPoint &at)
+{
+    auto menu = MenuPresenter::makeMenu();
+    const auto add = [&menu, &view](Str title, bool isEnabled, const std::function<void()> &action) {
+        QAction *item =
+            menu->addAction(MenuPresenter::literalTitle(Localization::shared().t(title)), &view, action);
+        item->setEnabled(isEnabled);
+    };
+    const auto addEditing = [&add, &view](Str title, bool isEnabled, TextEditing editing) {
+        add(title, isEnabled, [&view, editing] { performIn(editing, view); });
+    };
+    const bool isWritable = !view.isReadOnly();
+    const bool hasSelection = view.textCursor().hasSelection();
+    if (isWritable) {
+        add(Str::menuUndo, view.document()->isUndoAvailable(), [&view] { view.undo(); });
+        add(Str::menuRedo, view.document()->isRedoAvailable(), [&view] { view.redo(); });
+        menu->addSeparator();
+        addEditing(Str::menuCut, hasSelection, TextEditing::cut);
+    }
+    addEditing(Str::menuCopy, hasSelection, TextEditing::copy);
+    if (isWritable) {
+        addEditing(Str::menuPaste, true, TextEditing::paste);
+        add(Str::menuDelete, hasSelection, [&view] { view.textCursor().removeSelectedText(); });
+    }
+    menu->addSeparator();
+    addEditing(Str::menuSelectAll, !view.document()->isEmpty(), TextEditing::selectAll);
+    MenuPresenter::popUp(std::move(menu), view, at);
+}
+
 } // namespace
 
 bool perform(TextEditing editing, QWidget &textView)
@@ -78,6 +111,16 @@ bool perform(TextEditing editing, QWidget &textView)
     if (auto *view = qobject_cast<QLineEdit *>(&textView))
         return performIn(editing, *view);
     return false;
+}
+
+void showEditMenu(QTextEdit &textView, const QPoint &at)
+{
+    showMenu(textView, at);
+}
+
+void showEditMenu(QPlainTextEdit &textView, const QPoint &at)
+{
+    showMenu(textView, at);
 }
 
 } // namespace tovi

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+class QPlainTextEdit;
+class QPoint;
+class QTextEdit;
 class QWidget;
 
 namespace tovi {
@@ -11,5 +14,10 @@ enum class TextEditing { copy, paste, cut, selectAll };
 /// False when the widget is no text view or cannot do it, as pasting where nothing may be written. What is
 /// pasted arrives when the pasteboard's owner has given it. Main thread.
 bool perform(TextEditing editing, QWidget &textView);
+
+/// Shows the menu of what can be done in a text view at a point of it. The toolkit's own speaks English and
+/// asks the clipboard's owner, who may hang, before it opens. Main thread.
+void showEditMenu(QTextEdit &textView, const QPoint &at);
+void showEditMenu(QPlainTextEdit &textView, const QPoint &at);
 
 } // namespace tovi

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include <QApplication>
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QMimeData>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <gtest/gtest.h>
 
-#include "Support/TestClock.h"
+#include "Support/TestPlatform.h"
 #include "UI/EditableTextView.h"
 #include "UI/ScrollableTextView.h"
 #include "UI/TextHeightCache.h"
@@ -154,6 +156,7 @@ TEST(ScrollableTextViewTest, ALongParagraphIsCopiedAsItIs)
 
 TEST(EditableTextViewTest, ReturnSubmitsAndShiftReturnBreaksTheLine)
 {
+    TestPlatform platform;
     EditableTextView view;
     int submissions = 0;
     QStringList edits;
@@ -179,9 +182,22 @@ TEST(EditableTextViewTest, ReturnSubmitsAndShiftReturnBreaksTheLine)
     EXPECT_EQ(edits.takeLast(), QStringLiteral("\nxa\u00a0b\nc"));
     view.undo();
     EXPECT_FALSE(edits.isEmpty());
-    QApplication::clipboard()->setText(QStringLiteral("p"));
-    press(Qt::Key_V, Qt::ControlModifier | Qt::ShiftModifier);
-    EXPECT_TRUE(edits.last().contains(u'p'));
+    platform.pasteboard().put(QStringLiteral("p"));
+    press(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_TRUE(waitUntil([&] { return edits.last().contains(u'p'); }));
+
+    // Its menu asks nobody before it opens.
+    platform.pasteboard().hangs = true;
+    const int reads = platform.pasteboard().reads;
+    view.show();
+    QContextMenuEvent menuEvent(QContextMenuEvent::Mouse, QPoint(5, 5), QPoint(5, 5));
+    QApplication::sendEvent(view.viewport(), &menuEvent);
+    auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+    ASSERT_TRUE(menu);
+    EXPECT_EQ(menu->actions().first()->text(), QStringLiteral("Undo"));
+    EXPECT_EQ(platform.pasteboard().reads, reads);
+    menu->close();
+    platform.pasteboard().hangs = false;
 
     view.setText(QString(EditableTextView::longestText + 1, u'a'));
     EXPECT_TRUE(view.isReadOnly());

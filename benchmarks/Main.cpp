@@ -20,7 +20,18 @@ int main(int argc, char **argv)
                       QStringLiteral("path"), QStringLiteral("build/release/tovi")});
     parser.addOption({QStringLiteral("no-desktop"), QStringLiteral("Leave out what needs a desktop.")});
     parser.addOption({QStringLiteral("roads"), QStringLiteral("Only the roads to the selection.")});
+    parser.addOption({QStringLiteral("recognition"), QStringLiteral("Only the text in pictures.")});
+    parser.addOption({QStringLiteral("seed"), QStringLiteral("Makes other pictures of text."),
+                      QStringLiteral("number"), QStringLiteral("5000")});
+    parser.addOption({QStringLiteral("texts"),
+                      QStringLiteral("Pictures of the lines of a file, each kind after a line \"# kind\"."),
+                      QStringLiteral("file")});
     parser.process(app);
+    if (parser.isSet(QStringLiteral("recognition"))) {
+        bench::benchRecognition(parser.value(QStringLiteral("seed")).toUInt(),
+                                parser.value(QStringLiteral("texts")));
+        return 0;
+    }
 
     const bench::Programs programs{QFileInfo(parser.value(QStringLiteral("tovi"))).absoluteFilePath(),
                                    QCoreApplication::applicationDirPath() + QStringLiteral("/tovi-floor")};

@@ -10,6 +10,8 @@ program_packages=(
     libsecret-1-dev libcld2-dev libcurl4-openssl-dev ca-certificates
     libspeechd-dev libspeechd2 speech-dispatcher speech-dispatcher-espeak-ng espeak-ng-data
     at-spi2-core dbus apertium apertium-eng-spa apertium-fr-es
+    libtesseract-dev libtesseract5
+    tesseract-ocr-eng tesseract-ocr-chi-sim tesseract-ocr-chi-tra tesseract-ocr-jpn tesseract-ocr-kor
     fonts-noto-core
 )
 # A desktop of its own for the demonstration, with an editor to select text in.
@@ -22,7 +24,7 @@ test_packages=(
 )
 
 # What the benchmark compares with.
-bench_packages=(xdotool xclip)
+bench_packages=(xdotool xclip tesseract-ocr)
 
 # Installs the packages that are missing, once, with root's or sudo's rights.
 install_packages() {

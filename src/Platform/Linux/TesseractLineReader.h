@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QImage>
+#include <QStringList>
+
+#include "Platform/Linux/TesseractEngines.h"
+
+namespace tovi {
+
+/// Finds out which language a line is in by reading it, since the library's own detection is wrong about
+/// short lines. A recogniser of one language is right more often, and several times faster, than one of all
+/// five. Any thread.
+class TesseractLineReader
+{
+public:
+    /// Names of the library's data, preferred ones first.
+    TesseractLineReader(TesseractEngines &engines, const QStringList &languages)
+        : m_engines(engines)
+        , m_languages(languages)
+    {}
+
+    /// Reads a line that is probably in one language; the others are tried where that reads badly.
+    TesseractReading read(const QString &likely, const QImage &line);
+    /// The best of readings of one line, each by another language; an empty one of none. Where the first is
+    /// in one of the two Chinese scripts, the other one has to be so much better to be believed.
+    static TesseractReading best(const QList<TesseractReading> &readings, double leadOfOtherScript = 0);
+
+private:
+    TesseractEngines &m_engines;
+    const QStringList m_languages;
+};
+
+/// The reading's text as it stood on the screen: without blanks between ideographs, and with the wide
+/// punctuation that the library's data do not know.
+QString tidyText(const TesseractReading &reading);
+
+} // namespace tovi

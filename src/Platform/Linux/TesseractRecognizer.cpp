@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: MIT
+#include "Platform/Linux/TesseractRecognizer.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <latch>
+#include <mutex>
+
+#include "Platform/DispatchQueue.h"
+#include "Platform/Linux/TesseractEngines.h"
+#include "Platform/Linux/TesseractLineReader.h"
+#include "Platform/Linux/TextLineFinder.h"
+#include "Platform/Linux/TextLinePicture.h"
+
+namespace tovi {
+
+namespace {
+
+constexpr int mostThreads = 2; ///< each may want an engine of its own for a language
+
+/// Our names of languages and those of the library's data.
+QStringList dataNames(const QStringList &languages)
+{
+    static constexpr std::array<std::pair<QLatin1String, QLatin1String>, 5> table{{
+        {QLatin1String("zh-Hans"), QLatin1String("chi_sim")},
+        {QLatin1String("zh-Hant"), QLatin1String("chi_tra")},
+        {QLatin1String("en-US"), QLatin1String("eng")},
+        {QLatin1String("ja-JP"), QLatin1String("jpn")},
+        {QLatin1String("ko-KR"), QLatin1String("kor")},
+    }};
+    QStringList names;
+    for (const QString &language : languages) {
+        for (const auto &[ours, data] : table) {
+            if (language == ours)
+                names << data;
+        }
+    }
+    return names;
+}
+
+/// Runs work(0) to work(count - 1) here and, as far as the pool has threads to spare, there.
+template <class Work>
+void inParallel(QThreadPool &pool, int count, const Work &work)
+{
+    std::atomic_int next = 0;
+    const auto loop = [&] {
+        for (int i = next++; i < count; i = next++)
+            work(i);
+    };
+    std::latch helperEnd(1);
+    const bool hasHelper = count > 1 && pool.tryStart([&] {
+        loop();
+        helperEnd.count_down();
+    });
+    loop();
+    if (hasHelper)
+        helperEnd.wait();
+}
+
+class Recognition
+{
+public:
+    Recognition(TesseractEngines &engines, QThreadPool &pool, const TextRecognitionRequest &request,
+                std::stop_token end)
+        : m_engines(engines)
+        , m_pool(pool)
+        , m_languages(dataNames(request.languages))
+        , m_reader(engines, m_languages)
+        , m_gray(request.image.convertToFormat(QImage::Format_Grayscale8))
+        , m_stop(request.stop)
+        , m_end(std::move(end))
+    {}
+
+    QList<RecognizedText> run()
+    {
+        const QList<QRect> boxes = findTextLines(m_gray);
+        if (boxes.isEmpty())
+            return {};
+        std::vector<TesseractReading> readings(size_t(boxes.size()));
+        const auto widest = std::max_element(
+            boxes.begin(), boxes.end(), [](const QRect &a, const QRect &b) { return a.width() < b.width(); });
+        const qsizetype first = widest - boxes.begin();
+        const QString likely = likelyLanguage(*widest);
+        inParallel(m_pool, int(boxes.size()), [&](int i) {
+            // The widest first: the threads end together when the longest work comes first.
+            const qsizetype line = i == 0 ? first : (i <= first ? i - 1 : i);
+            if (!isStopped())
+                readings[size_t(line)] = m_reader.read(likely, textLinePicture(m_gray, boxes[line]));
+        });
+        throwIfStopped();
+        QList<RecognizedText> texts;
+        for (qsizetype i = 0; i < boxes.size(); ++i) {
+            const TesseractReading &reading = readings[size_t(i)];
+            const QString text = tidyText(reading);
+            if (!text.isEmpty())
+                texts << RecognizedText{.text = text, .confidence = reading.confidence(), .box = boxes[i]};
+        }
+        return texts;
+    }
+
+private:
+    /// Of the whole picture, as its widest line shows it.
+    QString likelyLanguage(const QRect &box)
+    {
+        const QImage line = textLinePicture(m_gray, box);
+        std::vector<std::optional<TesseractReading>> found(size_t(m_languages.size()));
+        inParallel(m_pool, int(m_languages.size()), [&](int i) {
+            if (!isStopped())
+                found[size_t(i)] = m_engines.read(m_languages[i], line);
+        });
+        throwIfStopped();
+        QList<TesseractReading> readings;
+        for (const auto &reading : found) {
+            if (reading)
+                readings << *reading;
+        }
+        if (readings.isEmpty()) {
+            throw TextRecognitionError(QStringLiteral("no data for any of the languages are installed"),
+                                       TextRecognitionError::Reason::NotInstalled);
+        }
+        const TesseractReading best = TesseractLineReader::best(readings);
+        return best.language.isEmpty() ? readings.first().language : best.language;
+    }
+
+    bool isStopped() const { return m_stop.stop_requested() || m_end.stop_requested(); }
+    void throwIfStopped() const
+    {
+        if (isStopped())
+            throw TextRecognitionError(QStringLiteral("abandoned"), TextRecognitionError::Reason::Abandoned);
+    }
+
+    TesseractEngines &m_engines;
+    QThreadPool &m_pool;
+    const QStringList m_languages;
+    TesseractLineReader m_reader;
+    const QImage m_gray;
+    const std::stop_token m_stop;
+    const std::stop_token m_end;
+};
+
+} // namespace
+
+struct TesseractRecognizer::Shared
+{
+    Shared(Clock &clock, const QString &dataFolder)
+        : clock(clock)
+        , dataFolder(dataFolder)
+    {}
+
+    TesseractEngines *engines()
+    {
+        const std::scoped_lock lock(mutex);
+        const TesseractLibrary *library = TesseractLibrary::load();
+        if (!made && library)
+            made = std::make_unique<TesseractEngines>(*library, dataFolder, clock);
+        return made.get();
+    }
+
+    Clock &clock;
+    const QString dataFolder;
+    mutable std::mutex mutex;
+    std::unique_ptr<TesseractEngines> made; // under the mutex
+    Subscription cleaning;                  // main thread
+};
+
+TesseractRecognizer::TesseractRecognizer(Clock &clock, const QString &dataFolder)
+    : m_shared(std::make_shared<Shared>(clock, dataFolder))
+{
+    m_pool.setMaxThreadCount(std::clamp(QThread::idealThreadCount(), 1, mostThreads));
+    m_pool.setObjectName(QStringLiteral("tovi.recognition"));
+}
+
+TesseractRecognizer::~TesseractRecognizer()
+{
+    m_end.request_stop();
+    m_pool.waitForDone();
+    m_shared->cleaning = {};
+    const std::scoped_lock lock(m_shared->mutex);
+    m_shared->made.reset();
+}
+
+QFuture<QList<RecognizedText>> TesseractRecognizer::recognize(TextRecognitionRequest request)
+{
+    auto promise = std::make_shared<QPromise<QList<RecognizedText>>>();
+    promise->start();
+    QFuture<QList<RecognizedText>> future = promise->future();
+    // Asked anew after each recognition: by then those that it did not use are idle for longer.
+    const auto cleanLater = [pool = &m_pool, weak = std::weak_ptr(m_shared)] {
+        const auto shared = weak.lock();
+        if (!shared)
+            return;
+        shared->cleaning = shared->clock.after(warmTime, [pool, weak] {
+            pool->start([weak] {
+                const auto shared = weak.lock();
+                if (TesseractEngines *engines = shared ? shared->engines() : nullptr)
+                    engines->endIdle(warmTime);
+            });
+        });
+    };
+    m_pool.start([this, promise, cleanLater, end = m_end.get_token(), request = std::move(request)] {
+        auto work = [&] {
+            TesseractEngines *engines = m_shared->engines();
+            if (!engines) {
+                throw TextRecognitionError(QStringLiteral("libtesseract is not installed"),
+                                           TextRecognitionError::Reason::NotInstalled);
+            }
+            return Recognition(*engines, m_pool, request, end).run();
+        };
+        detail::fulfil(*promise, work);
+        asyncOnMain(cleanLater);
+    });
+    return future;
+}
+
+int TesseractRecognizer::warmEngines() const
+{
+    const std::scoped_lock lock(m_shared->mutex);
+    return m_shared->made ? m_shared->made->count() : 0;
+}
+
+} // namespace tovi

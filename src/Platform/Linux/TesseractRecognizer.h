@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <memory>
+
+#include <QThreadPool>
+
+#include "Platform/Clock.h"
+#include "Platform/Subscription.h"
+#include "Platform/TextRecognizer.h"
+
+namespace tovi {
+
+class TesseractEngines;
+
+/// Recognition by libtesseract with the data of the languages that are installed.
+class TesseractRecognizer final : public TextRecognizer
+{
+public:
+    /// Making an engine costs 0.1 to 0.2 s, keeping one costs 20 to 40 MB: whoever reads one region after the
+    /// other finds them warm, and two minutes after the last use of each it is gone.
+    static constexpr Clock::Duration warmTime = std::chrono::minutes(2);
+
+    /// Without a folder the data are where the library looks for them.
+    explicit TesseractRecognizer(Clock &clock, const QString &dataFolder = {});
+    /// Waits for the lines under way, which are the last ones.
+    ~TesseractRecognizer() override;
+
+    QFuture<QList<RecognizedText>> recognize(TextRecognitionRequest request) override;
+
+    /// Engines that rest, for tests and measurements. Any thread.
+    int warmEngines() const;
+
+private:
+    struct Shared;
+    std::shared_ptr<Shared> m_shared;
+    QThreadPool m_pool;
+    std::stop_source m_end;
+};
+
+} // namespace tovi

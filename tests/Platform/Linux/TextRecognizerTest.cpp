@@ -1,0 +1,224 @@
+// SPDX-License-Identifier: MIT
+#include <QPainter>
+#include <QTemporaryDir>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "Platform/Linux/TesseractLineReader.h"
+#include "Platform/Linux/TesseractRecognizer.h"
+#include "Platform/Linux/TextLineFinder.h"
+#include "Support/Await.h"
+#include "Support/TextPictures.h"
+
+namespace tovi {
+
+namespace {
+
+using testing::ElementsAre;
+
+const QStringList languages{QStringLiteral("zh-Hans"), QStringLiteral("zh-Hant"), QStringLiteral("en-US"),
+                            QStringLiteral("ja-JP"), QStringLiteral("ko-KR")};
+
+QImage blank(QSize size, QColor color = Qt::white)
+{
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(color);
+    return image;
+}
+
+void write(QImage &image, QPoint position, const QStringList &lines, QColor color = Qt::black)
+{
+    QPainter painter(&image);
+    QFont font(QStringLiteral("Noto Sans CJK SC"));
+    font.setPixelSize(14);
+    painter.setFont(font);
+    painter.setPen(color);
+    for (qsizetype i = 0; i < lines.size(); ++i)
+        painter.drawText(position + QPoint(0, int(i) * 22), lines[i]);
+}
+
+class TextRecognizerTest : public testing::Test
+{
+protected:
+    QStringList read(const QImage &image, std::stop_token stop = {})
+    {
+        QStringList lines;
+        for (const RecognizedText &text :
+             await(m_recognizer.recognize({.image = image, .languages = languages, .stop = stop})))
+            lines << text.text;
+        return lines;
+    }
+
+    TestClock m_clock;
+    TesseractRecognizer m_recognizer{m_clock};
+};
+
+TEST_F(TextRecognizerTest, readsEveryLanguageInLightAndDark)
+{
+    struct Case
+    {
+        TextKind kind;
+        bool isDark;
+        double bound;
+    };
+    // Several times what is measured: enough to tell a wrong language or background, or a lost line.
+    for (const auto &[kind, isDark, bound] :
+         {Case{TextKind::english, true, 0.03}, Case{TextKind::korean, false, 0.12},
+          Case{TextKind::simplifiedChinese, true, 0.1}, Case{TextKind::traditionalChinese, false, 0.15},
+          Case{TextKind::japanese, true, 0.1}}) {
+        TextPicture made = makeTextPicture(kind, 1);
+        made.style.isDark = isDark;
+        made.style.pixelSize = 14;
+        const TextPicture picture = drawText(kind, made.text.split(u'\n').mid(0, 4), made.style);
+        const QString text = read(picture.image).join(u'\n');
+        EXPECT_LT(compareReading(picture.text, text).rate(), bound) << qPrintable(text);
+    }
+}
+
+TEST_F(TextRecognizerTest, readsColumnsOneAfterTheOther)
+{
+    QImage image = blank({720, 260});
+    write(image, {20, 30}, {QStringLiteral("Everything about both columns")});
+    write(image, {20, 80}, {QStringLiteral("first left line"), QStringLiteral("second left line")});
+    // A column of its own pace, and light on dark.
+    QPainter(&image).fillRect(400, 55, 320, 205, QColor(0x20, 0x20, 0x30));
+    write(image, {420, 89}, {QStringLiteral("first right line"), QStringLiteral("second right line")},
+          Qt::white);
+    EXPECT_THAT(read(image),
+                ElementsAre(QStringLiteral("Everything about both columns"),
+                            QStringLiteral("first left line"), QStringLiteral("second left line"),
+                            QStringLiteral("first right line"), QStringLiteral("second right line")));
+}
+
+TEST_F(TextRecognizerTest, findsNothingWhereNothingIsWritten)
+{
+    EXPECT_TRUE(read(QImage()).isEmpty());
+    EXPECT_TRUE(read(blank({1, 1})).isEmpty());
+    EXPECT_TRUE(read(blank({720, 260}, Qt::black)).isEmpty());
+    QImage frame = blank({720, 260});
+    QPainter(&frame).drawRect(10, 10, 600, 200);
+    EXPECT_TRUE(read(frame).isEmpty());
+}
+
+TEST_F(TextRecognizerTest, readsAHugePicture)
+{
+    QImage image = blank({12000, 6000});
+    write(image, {11000, 5900}, {QStringLiteral("far away")});
+    EXPECT_THAT(read(image), ElementsAre(QStringLiteral("far away")));
+}
+
+TEST_F(TextRecognizerTest, givesUpBetweenLines)
+{
+    std::stop_source stop;
+    stop.request_stop();
+    try {
+        read(makeTextPicture(TextKind::english, 1).image, stop.get_token());
+        FAIL() << "it was read to the end";
+    } catch (const TextRecognitionError &error) {
+        EXPECT_EQ(error.reason(), TextRecognitionError::Reason::Abandoned);
+    }
+    EXPECT_EQ(m_recognizer.warmEngines(), 0);
+}
+
+TEST_F(TextRecognizerTest, endsEnginesThatNobodyUses)
+{
+    QImage image = blank({300, 40});
+    write(image, {10, 25}, {QStringLiteral("warm engines")});
+    EXPECT_EQ(m_clock.pendingActions(), 0);
+    read(image);
+    ASSERT_TRUE(waitUntil([&] { return m_clock.pendingActions() == 1; }));
+    EXPECT_GE(m_recognizer.warmEngines(), 5);
+    m_clock.advance(TesseractRecognizer::warmTime / 2);
+    EXPECT_GE(m_recognizer.warmEngines(), 5);
+    m_clock.advance(TesseractRecognizer::warmTime / 2);
+    EXPECT_TRUE(waitUntil([&] { return m_recognizer.warmEngines() == 0; }));
+    EXPECT_THAT(read(image), ElementsAre(QStringLiteral("warm engines")));
+}
+
+TEST_F(TextRecognizerTest, worksWithTheDataThatAreThere)
+{
+    const QTemporaryDir folder;
+    const TextPicture picture = makeTextPicture(TextKind::english, 1);
+    {
+        TesseractRecognizer recognizer(m_clock, folder.path());
+        try {
+            await(recognizer.recognize({.image = picture.image, .languages = languages}));
+            ADD_FAILURE() << "there are no data to read with";
+        } catch (const TextRecognitionError &error) {
+            EXPECT_EQ(error.reason(), TextRecognitionError::Reason::NotInstalled);
+        }
+    }
+    // A file that is cut short is as good as none.
+    QFile cut(folder.filePath(QStringLiteral("jpn.traineddata")));
+    ASSERT_TRUE(cut.open(QIODevice::WriteOnly) && cut.write("cut") == 3);
+    cut.close();
+    const QString english = QStringLiteral("/usr/share/tesseract-ocr/5/tessdata/eng.traineddata");
+    if (!QFile::copy(english, folder.filePath(QStringLiteral("eng.traineddata"))))
+        GTEST_SKIP() << "the English data are elsewhere";
+    TesseractRecognizer recognizer(m_clock, folder.path());
+    const auto lines = await(recognizer.recognize({.image = picture.image, .languages = languages}));
+    EXPECT_EQ(lines.size(), picture.text.count(u'\n') + 1);
+}
+
+TEST_F(TextRecognizerTest, canEndInTheMiddleOfAPicture)
+{
+    auto recognizer = std::make_unique<TesseractRecognizer>(m_clock);
+    auto future =
+        recognizer->recognize({.image = makeTextPicture(TextKind::mixed, 3).image, .languages = languages});
+    recognizer.reset();
+    EXPECT_TRUE(future.isFinished());
+}
+
+TEST(TesseractLineReader, choosesTheLanguageThatReadsBest)
+{
+    const auto reading = [](const char *language, QList<TesseractReading::Word> words) {
+        return TesseractReading{.language = QLatin1String(language), .words = std::move(words)};
+    };
+    const auto word = [](const char *text, double confidence, int begin = 0, int end = 100) {
+        return TesseractReading::Word{
+            .text = QString::fromUtf8(text), .confidence = confidence, .begin = begin, .end = end};
+    };
+    struct Case
+    {
+        const char *what;
+        QList<TesseractReading> readings;
+        QString text;
+    };
+    const Case cases[] = {
+        {"none", {}, QString()},
+        {"the surest",
+         {reading("eng", {word("TAA", 0.3)}), reading("jpn", {word("日本", 0.9)})},
+         QStringLiteral("日本")},
+        {"English where there is nothing else",
+         {reading("kor", {word("0pen", 0.93)}), reading("eng", {word("Open", 0.9)})},
+         QStringLiteral("Open")},
+        {"Traditional only with a lead",
+         {reading("chi_sim", {word("中文", 0.90)}), reading("chi_tra", {word("中丈", 0.92)})},
+         QStringLiteral("中文")},
+        {"Latin words of the English reading",
+         {reading("kor", {word("616", 0.5, 10, 60), word("키를", 0.95, 70, 120)}),
+          reading("eng", {word("Enter", 0.9, 11, 58), word("Fe", 0.4, 70, 121)})},
+         QStringLiteral("Enter 키를")},
+        {"but not where its words end elsewhere",
+         {reading("kor", {word("3", 0.5, 10, 20), word("판에는", 0.95, 20, 120)}),
+          reading("eng", {word("3ITO", 0.6, 9, 121)})},
+         QStringLiteral("3 판에는")},
+    };
+    for (const Case &c : cases)
+        EXPECT_EQ(TesseractLineReader::best(c.readings, 0.07).text(), c.text) << c.what;
+}
+
+TEST(TesseractLineReader, writesPunctuationAsItsNeighbours)
+{
+    const auto tidy = [](const char *text) {
+        return tidyText({.language = {}, .words = {{.text = QString::fromUtf8(text)}}});
+    };
+    EXPECT_EQ(tidy("你 好,世 界 !"), QStringLiteral("你好，世界！"));
+    EXPECT_EQ(tidy("Hello, (world)!"), QStringLiteral("Hello, (world)!"));
+    EXPECT_EQ(tidy("안녕, 세계!"), QStringLiteral("안녕, 세계!"));
+    EXPECT_EQ(tidy("在 Settings 里"), QStringLiteral("在 Settings 里"));
+}
+
+} // namespace
+
+} // namespace tovi

@@ -8,6 +8,7 @@ namespace tovi {
 namespace {
 
 constexpr double sure = 0.85;      ///< a reading that needs no second one
+constexpr double doubtful = 0.7;   ///< a word that may be none of the language
 constexpr double clearLead = 0.07; ///< before the less likely of the two Chinese scripts is believed
 /// The data for Traditional Chinese read Simplified too, and sometimes more surely, but write it their way.
 constexpr double traditionalHandicap = 0.03;
@@ -38,7 +39,7 @@ bool isChinese(const QString &language)
     return language.startsWith(QLatin1String("chi_"));
 }
 
-/// Words without any ideograph, as one word with the mean of their confidences.
+/// Neighbouring words as one with the mean of their confidences.
 TesseractReading::Word joined(const QList<TesseractReading::Word> &words)
 {
     TesseractReading part;
@@ -55,10 +56,16 @@ QChar wideForm(QChar c)
     return narrow.contains(c) ? QChar(c.unicode() + 0xfee0) : c;
 }
 
+/// The Korean data read Latin words as syllables, but badly.
+bool mayBeLatin(const TesseractReading::Word &word)
+{
+    return !hasWideLetters(word.text) || word.confidence < doubtful;
+}
+
 bool hasLatinWords(const TesseractReading &reading)
 {
     return std::any_of(reading.words.begin(), reading.words.end(), [](const TesseractReading::Word &word) {
-        return !hasWideLetters(word.text) &&
+        return mayBeLatin(word) &&
                std::any_of(word.text.begin(), word.text.end(), [](QChar c) { return c.isLetterOrNumber(); });
     });
 }
@@ -69,7 +76,7 @@ TesseractReading withWordsOf(const TesseractReading &english, const TesseractRea
     TesseractReading merged{.language = reading.language, .words = {}};
     for (qsizetype i = 0; i < reading.words.size();) {
         qsizetype end = i;
-        while (end < reading.words.size() && !hasWideLetters(reading.words[end].text))
+        while (end < reading.words.size() && mayBeLatin(reading.words[end]))
             ++end;
         if (end == i) {
             merged.words << reading.words[i++];
@@ -85,7 +92,8 @@ TesseractReading withWordsOf(const TesseractReading &english, const TesseractRea
         const bool isSame = !replacement.isEmpty() &&
                             std::abs(replacement.first().begin - own.begin) < nearby &&
                             std::abs(replacement.last().end - own.end) < nearby;
-        if (isSame && joined(replacement).confidence > own.confidence) {
+        const double toBeat = hasWideLetters(own.text) ? sure : own.confidence;
+        if (isSame && joined(replacement).confidence > toBeat) {
             replacement.first().hasBlankBefore = reading.words[i].hasBlankBefore;
             merged.words << replacement;
         } else {

@@ -7,7 +7,7 @@
 
 namespace tovi {
 
-/// The functions of libtesseract. The library and what it pulls in cost some 10 MB, so it is loaded for the
+/// The functions of libtesseract. The library and what it pulls in cost 8 MB, so it is loaded for the
 /// first recognition and not with the program.
 struct TesseractLibrary
 {

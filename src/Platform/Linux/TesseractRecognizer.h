@@ -17,7 +17,7 @@ class TesseractEngines;
 class TesseractRecognizer final : public TextRecognizer
 {
 public:
-    /// Making an engine costs 0.1 to 0.2 s, keeping one costs 20 to 40 MB: whoever reads one region after the
+    /// Making an engine costs 40 to 100 ms, keeping one costs 16 to 50 MB: whoever reads one region after the
     /// other finds them warm, and two minutes after the last use of each it is gone.
     static constexpr Clock::Duration warmTime = std::chrono::minutes(2);
 

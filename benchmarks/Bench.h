@@ -24,8 +24,8 @@ void benchLookups();
 void benchPanels();
 void benchStreams();
 double benchAccessibility(DesktopSession &desktop);
-/// Text out of pictures. The texts are made from the seed, or taken from a file whose sections begin with "# " and
-/// a kind's name.
+/// Text out of pictures. The texts are made from the seed, or taken from a file whose sections begin with "#
+/// " and a kind's name.
 void benchRecognition(quint32 seed, const QString &textFile);
 void benchRoads(DesktopSession &desktop);
 void benchProgram(DesktopSession &desktop, const Programs &programs, double queryMilliseconds);

@@ -13,6 +13,7 @@ constexpr std::chrono::milliseconds pollInterval{5};
 constexpr std::chrono::milliseconds restoreDelay{50};
 /// An image may be offered in a dozen formats, each of them made when it is asked for.
 constexpr std::chrono::seconds backupLimit{1};
+constexpr qsizetype backupSizeLimit = 256 << 20; // bytes
 
 struct Captured
 {
@@ -65,8 +66,12 @@ QList<PasteboardItem> backupItems(Pasteboard &pasteboard, Clock::Duration limit)
     Clock &clock = Platform::current().clock();
     const Clock::Time deadline = clock.now() + backupLimit;
     QList<PasteboardItem> items;
+    qsizetype size = 0;
     for (const QString &type : pasteboard.types(limit).value) {
         const auto answer = pasteboard.item(type, limit);
+        size += answer.value.data.size();
+        if (size > backupSizeLimit)
+            break;
         if (answer.status == Pasteboard::Status::Found)
             items << answer.value;
         if (answer.status == Pasteboard::Status::TimedOut || clock.now() >= deadline)

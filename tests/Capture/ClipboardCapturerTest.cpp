@@ -156,6 +156,30 @@ TEST_F(ClipboardCapturerTest, AHangingOwnerCostsTheTimeOutOnce)
     EXPECT_LE(elapsed(), 900ms);
 }
 
+TEST_F(ClipboardCapturerTest, AnItemThatAnswersLateMayHaveCopiedAllTheSame)
+{
+    const auto item = std::make_shared<TestElement>();
+    item->attributes[QStringLiteral("AXRole")] = {AXError::None, QStringLiteral("AXMenuItem")};
+    item->attributes[QStringLiteral("AXIdentifier")] = {AXError::None, QStringLiteral("copy:")};
+    const auto bar = std::make_shared<TestElement>();
+    bar->attributes[QStringLiteral("AXChildren")] = {AXError::None, QList{AXElement(item)}};
+    const auto application = std::make_shared<TestElement>();
+    application->attributes[QStringLiteral("AXMenuBar")] = {AXError::None, AXElement(bar)};
+    platform.accessibility().applications[1] = AXElement(application);
+    for (const AXError error : {AXError::None, AXError::TimedOut, AXError::CannotComplete}) {
+        keyboard.posted.clear();
+        item->onAction = [&](const QString &name) {
+            EXPECT_EQ(name, QStringLiteral("AXPress"));
+            pasteboard.put(QStringLiteral("copied"));
+            return error;
+        };
+        const auto copied = ClipboardCapturer::selectedText(true, true, 400ms);
+        EXPECT_EQ(copied == (CopiedText{QStringLiteral("copied"), true}), error != AXError::CannotComplete);
+        EXPECT_EQ(keyboard.posted.isEmpty(), error != AXError::CannotComplete);
+        pasteboard.put(rich);
+    }
+}
+
 TEST_F(ClipboardCapturerTest, TypesOnceTheModifiersAreUp)
 {
     const Clock::Time released = start + 200ms;

@@ -49,14 +49,18 @@ std::optional<QString> captureText(bool restore, Clock::Duration timeout, const 
     const auto captured = action() ? poll(pasteboard, initialCount, timeout) : std::nullopt;
     const auto text = captured ? std::optional(captured->text) : std::nullopt;
 
+    if (!restore || (!captured && pasteboard.changeCount() == initialCount))
+        return text;
+    const auto isOurs = [&] {
+        const bool isUntouched = captured && pasteboard.changeCount() == captured->changeCount;
+        return isUntouched || isEffectivelyEmpty(pasteboard, timeout);
+    };
+    if (!isOurs())
+        return text;
     const qint64 changeCount = pasteboard.changeCount();
-    if (!restore || (!captured && changeCount == initialCount))
-        return text;
-    const bool isUntouched = captured && changeCount == captured->changeCount;
-    if (!isUntouched && !isEffectivelyEmpty(pasteboard, timeout))
-        return text;
     Platform::current().clock().wait(restoreDelay);
-    if (!backup.isEmpty())
+    // Clipboard managers answer a change within that time.
+    if (!backup.isEmpty() && (pasteboard.changeCount() == changeCount || isOurs()))
         pasteboard.write(backup);
     return text;
 }

@@ -99,6 +99,17 @@ TEST_F(ClipboardCapturerTest, LeavesAloneWhatOthersPutThereMeanwhile)
     }
 }
 
+TEST_F(ClipboardCapturerTest, LooksOnceMoreBeforeItPutsBack)
+{
+    keyboard.onPost = [&] { pasteboard.put(QStringLiteral("copied")); };
+    platform.clock().onWait = [&](Clock::Duration duration) {
+        if (duration == 50ms)
+            pasteboard.put(QStringLiteral("theirs"));
+    };
+    EXPECT_TRUE(capture());
+    EXPECT_EQ(pasteboard.string(), QStringLiteral("theirs"));
+}
+
 TEST_F(ClipboardCapturerTest, WritesNothingWhereNothingWasCopiedOrNothingWasThere)
 {
     EXPECT_FALSE(capture());

@@ -58,6 +58,14 @@ void XcbSession::prefetchAtoms(const QByteArrayList &names)
     }
 }
 
+void XcbSession::abandon(xcb_window_t window)
+{
+    constexpr qsizetype mostWindows = 64;
+    m_abandoned << window;
+    if (m_abandoned.size() > mostWindows)
+        xcb_destroy_window(m_connection, m_abandoned.takeFirst());
+}
+
 qint64 XcbSession::processOf(quint32 resource)
 {
     const auto *extension = xcb_get_extension_data(m_connection, &xcb_res_id);

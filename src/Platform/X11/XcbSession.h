@@ -48,6 +48,9 @@ public:
     xcb_atom_t atom(const QByteArray &name);
     /// Asks for many at once: one round trip.
     void prefetchAtoms(const QByteArrayList &names);
+    /// A window that somebody may still write to: it stays until the session ends, or until it is one of too
+    /// many. Programs die of writing to a window that has gone.
+    void abandon(xcb_window_t window);
     /// The local process that the client owning `resource` runs in; 0 where the server does not know.
     qint64 processOf(quint32 resource);
     /// Whether two resources belong to the same client.
@@ -59,6 +62,7 @@ private:
     xcb_connection_t *m_connection = nullptr;
     xcb_window_t m_root = 0;
     QHash<QByteArray, xcb_atom_t> m_atoms;
+    QList<xcb_window_t> m_abandoned;
     Time m_deadline = Time::max();
 };
 

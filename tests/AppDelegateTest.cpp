@@ -42,6 +42,15 @@ protected:
         delegate.applicationDidFinishLaunching();
     }
 
+    void TearDown() override
+    {
+        // No translation is left to end in the next test, whose platform is another one.
+        session->answer = [](const QString &text) { return text.toUpper(); };
+        await(Translator::shared().translate(QStringLiteral("last"), QStringLiteral("es"),
+                                             QStringLiteral("auto"), std::nullopt, {}));
+        drainMainQueue();
+    }
+
     std::shared_ptr<TestElement> select(const QString &text)
     {
         auto element = std::make_shared<TestElement>();
@@ -331,6 +340,7 @@ TEST_F(AppDelegateTest, ItsOwnCopyKeyCountsForNothing)
     EXPECT_EQ(sourceAfterPair(), QStringLiteral("selected"));
     platform.clock().advance(50ms);
     EXPECT_EQ(sourceAfterPair(), QStringLiteral("copied"));
+    EXPECT_TRUE(showsResult(QStringLiteral("COPIED")));
 }
 
 TEST_F(AppDelegateTest, EditingKeysWorkInTextViewsOnly)

@@ -116,14 +116,14 @@ void XcbClipboard::takeOwnership(const Contents &contents)
     m_session.startDeadline(requestLimit);
     xcb_set_selection_owner(connection, m_window, m_session.atom("CLIPBOARD"), XCB_CURRENT_TIME);
     // The announcement comes before the answer to what is asked after it.
-    m_session.reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(connection));
+    const auto answer = m_session.reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(connection));
     while (const XcbOwned<xcb_generic_event_t> event{xcb_poll_for_event(connection)})
         handle(*event);
     const std::scoped_lock lock(m_mutex);
     if (m_contents != contents)
         return; // written anew meanwhile
     m_isPending = false;
-    if (!m_isOwner)
+    if (answer && !m_isOwner) // a server that is slow to answer may make us the owner yet
         dropContents();
 }
 

@@ -60,20 +60,32 @@ std::optional<QString> copyByMenu(bool restoreClipboard, Clock::Duration timeout
     if (!item)
         return {};
     return PasteboardWatcher::captureText(restoreClipboard, timeout, [&item] {
-        return item->performAction(QStringLiteral("AXPress")) == AXError::None;
+        // One that answers late may copy all the same.
+        const AXError error = item->performAction(QStringLiteral("AXPress"));
+        return error == AXError::None || error == AXError::TimedOut;
     });
+}
+
+/// None where no key copies.
+std::optional<KeyEvent> copyKey()
+{
+    const auto frontmost = Platform::current().workspace().frontmostApplication();
+    if (!frontmost || !frontmost->copyModifiers)
+        return {};
+    return KeyEvent{keyCodeC, *frontmost->copyModifiers};
 }
 
 bool postCopyKey()
 {
-    // Looked at last: the user may have turned to a terminal meanwhile, which has another key.
-    const auto frontmost = Platform::current().workspace().frontmostApplication();
-    return frontmost && frontmost->copyModifiers &&
-           Platform::current().keyboard().post({keyCodeC, *frontmost->copyModifiers});
+    // Looked at again: the user may have turned to a terminal meanwhile, which has another key.
+    const auto key = copyKey();
+    return key && Platform::current().keyboard().post(*key);
 }
 
 std::optional<QString> copyByKeystroke(bool restoreClipboard, Clock::Duration timeout)
 {
+    if (!copyKey())
+        return {};
     waitForModifierRelease();
     const int number = simulation().begin();
     const auto text = PasteboardWatcher::captureText(restoreClipboard, timeout, postCopyKey);

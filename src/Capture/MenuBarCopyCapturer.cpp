@@ -11,6 +11,7 @@ namespace tovi::MenuBarCopyCapturer {
 namespace {
 
 constexpr std::chrono::milliseconds messagingTimeout{500};
+constexpr std::chrono::milliseconds searchLimit{1500};
 constexpr int depthLimit = 7;
 
 bool isCopyTitle(const QString &title)
@@ -27,8 +28,8 @@ bool isCopyTitle(const QString &title)
     return copyTitles.contains(title);
 }
 
-/// One search. Its requests share one time limit, and after the first that ran into it there is no other: an
-/// application that hangs costs its limit once.
+/// One search. After the first request that ran into its limit there is no other: an application that hangs
+/// costs it once, and one that is slow all the time is given up as well.
 class Search
 {
 public:
@@ -109,13 +110,13 @@ private:
         m_outOfTime = m_outOfTime || left <= Clock::Duration::zero();
         if (m_outOfTime)
             return {AXError::TimedOut, {}};
-        element.setMessagingTimeout(left);
+        element.setMessagingTimeout(std::min<Clock::Duration>(left, messagingTimeout));
         AXResult result = element.attribute(name);
         m_outOfTime = result.error == AXError::TimedOut;
         return result;
     }
 
-    const Clock::Time m_deadline = Platform::current().clock().now() + messagingTimeout;
+    const Clock::Time m_deadline = Platform::current().clock().now() + searchLimit;
     bool m_outOfTime = false;
 };
 

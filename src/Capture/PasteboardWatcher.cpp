@@ -13,6 +13,7 @@ constexpr std::chrono::milliseconds pollInterval{5};
 constexpr std::chrono::milliseconds restoreDelay{50};
 /// An image may be offered in a dozen formats, each of them made when it is asked for.
 constexpr std::chrono::seconds backupLimit{1};
+constexpr qsizetype backupSizeLimit = 256 << 20; // bytes
 
 struct Captured
 {
@@ -48,14 +49,18 @@ std::optional<QString> captureText(bool restore, Clock::Duration timeout, const 
     const auto captured = action() ? poll(pasteboard, initialCount, timeout) : std::nullopt;
     const auto text = captured ? std::optional(captured->text) : std::nullopt;
 
+    if (!restore || (!captured && pasteboard.changeCount() == initialCount))
+        return text;
+    const auto isOurs = [&] {
+        const bool isUntouched = captured && pasteboard.changeCount() == captured->changeCount;
+        return isUntouched || isEffectivelyEmpty(pasteboard, timeout);
+    };
+    if (!isOurs())
+        return text;
     const qint64 changeCount = pasteboard.changeCount();
-    if (!restore || (!captured && changeCount == initialCount))
-        return text;
-    const bool isUntouched = captured && changeCount == captured->changeCount;
-    if (!isUntouched && !isEffectivelyEmpty(pasteboard, timeout))
-        return text;
     Platform::current().clock().wait(restoreDelay);
-    if (!backup.isEmpty())
+    // Clipboard managers answer a change within that time.
+    if (!backup.isEmpty() && (pasteboard.changeCount() == changeCount || isOurs()))
         pasteboard.write(backup);
     return text;
 }
@@ -65,8 +70,12 @@ QList<PasteboardItem> backupItems(Pasteboard &pasteboard, Clock::Duration limit)
     Clock &clock = Platform::current().clock();
     const Clock::Time deadline = clock.now() + backupLimit;
     QList<PasteboardItem> items;
+    qsizetype size = 0;
     for (const QString &type : pasteboard.types(limit).value) {
         const auto answer = pasteboard.item(type, limit);
+        size += answer.value.data.size();
+        if (size > backupSizeLimit)
+            break;
         if (answer.status == Pasteboard::Status::Found)
             items << answer.value;
         if (answer.status == Pasteboard::Status::TimedOut || clock.now() >= deadline)

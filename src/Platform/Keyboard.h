@@ -35,9 +35,9 @@ public:
 
     /// The modifiers that are held down now. Any thread; asks only the display server.
     virtual quint32 modifierFlags() = 0;
-    /// Presses and releases a key with exactly these modifiers in the frontmost application. Keys that are
-    /// still down are released before and stay so. False where the present layout cannot type it. Any thread;
-    /// asks only the display server.
+    /// Presses and releases a key with exactly these modifiers in the frontmost application, which gets the
+    /// keyboard for it if a panel of ours has it. Keys that are still down are released before and stay so.
+    /// False where the present layout cannot type it. Any thread; asks only the display server.
     virtual bool post(const KeyEvent &key) = 0;
 };
 

@@ -61,7 +61,7 @@ public:
     virtual bool isPlainText(const QString &type) const = 0;
 
     /// Replaces the contents; serves them as long as the program runs, then leaves them to the desktop's
-    /// clipboard manager. Any thread; waits for nobody.
+    /// clipboard manager. Any thread; waits for no program.
     virtual void write(const QList<PasteboardItem> &items) = 0;
     /// Replaces the contents with one plain text. As write().
     virtual void setString(const QString &text) = 0;

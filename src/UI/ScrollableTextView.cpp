@@ -251,7 +251,7 @@ void ScrollableTextView::contextMenuEvent(QContextMenuEvent *event)
     showEditMenu(*this, event->pos());
 }
 
-QMimeData *ScrollableTextView::createMimeDataFromSelection() const
+QString ScrollableTextView::selectedText() const
 {
     const QTextCursor selection = textCursor();
     QString text;
@@ -264,8 +264,13 @@ QMimeData *ScrollableTextView::createMimeDataFromSelection() const
         if (goesOn && block.userState() != continues)
             text += u'\n';
     }
+    return text.replace(QChar::LineSeparator, u'\n');
+}
+
+QMimeData *ScrollableTextView::createMimeDataFromSelection() const
+{
     auto *data = new QMimeData;
-    data->setText(text.replace(QChar::LineSeparator, u'\n'));
+    data->setText(selectedText());
     return data;
 }
 

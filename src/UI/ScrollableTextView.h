@@ -37,6 +37,8 @@ public:
     explicit ScrollableTextView(QWidget *parent = nullptr);
 
     void setAttributedText(const AttributedText &text);
+    /// As it reads: where the view breaks a long paragraph for itself there is no line break.
+    QString selectedText() const;
 
 signals:
     void painted();

@@ -14,12 +14,41 @@
 #include "Platform/PasteboardQueue.h"
 #include "UI/Controls/MenuPresenter.h"
 #include "UI/EditableTextView.h"
+#include "UI/ScrollableTextView.h"
 
 namespace tovi {
 
 namespace {
 
 constexpr std::chrono::seconds readLimit{1};
+
+QString selectedText(const QLineEdit &view)
+{
+    return view.echoMode() == QLineEdit::Normal ? view.selectedText() : QString();
+}
+
+template <class View>
+QString selectedText(const View &view)
+{
+    if (const auto *scrollable = qobject_cast<const ScrollableTextView *>(&view))
+        return scrollable->selectedText();
+    // Not the document's plain text, which has lost its no-break spaces.
+    return view.textCursor()
+        .selectedText()
+        .replace(QChar::ParagraphSeparator, u'\n')
+        .replace(QChar::LineSeparator, u'\n');
+}
+
+void removeSelection(QLineEdit &view)
+{
+    view.insert(QString());
+}
+
+template <class View>
+void removeSelection(View &view)
+{
+    view.textCursor().removeSelectedText();
+}
 
 void insert(QLineEdit &view, const QString &text)
 {
@@ -48,20 +77,29 @@ QCoro::Task<> paste(QPointer<View> view)
 }
 
 template <class View>
+bool copy(const View &view)
+{
+    const QString text = selectedText(view);
+    if (!text.isEmpty())
+        Platform::current().pasteboard().setString(text);
+    return !text.isEmpty();
+}
+
+template <class View>
 bool performIn(TextEditing editing, View &view)
 {
     const bool isWritable = !view.isReadOnly();
     switch (editing) {
     case TextEditing::copy:
-        view.copy();
+        copy(view);
         return true;
     case TextEditing::paste:
         if (isWritable)
             paste(QPointer(&view));
         return isWritable;
     case TextEditing::cut:
-        if (isWritable)
-            view.cut();
+        if (isWritable && copy(view))
+            removeSelection(view);
         return isWritable;
     case TextEditing::selectAll:
         view.selectAll();
@@ -93,7 +131,7 @@ void showMenu(View &view, const QPoint &at)
     addEditing(Str::menuCopy, hasSelection, TextEditing::copy);
     if (isWritable) {
         addEditing(Str::menuPaste, true, TextEditing::paste);
-        add(Str::menuDelete, hasSelection, [&view] { view.textCursor().removeSelectedText(); });
+        add(Str::menuDelete, hasSelection, [&view] { removeSelection(view); });
     }
     menu->addSeparator();
     addEditing(Str::menuSelectAll, !view.document()->isEmpty(), TextEditing::selectAll);

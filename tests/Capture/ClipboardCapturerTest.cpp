@@ -99,6 +99,17 @@ TEST_F(ClipboardCapturerTest, LeavesAloneWhatOthersPutThereMeanwhile)
     }
 }
 
+TEST_F(ClipboardCapturerTest, LooksOnceMoreBeforeItPutsBack)
+{
+    keyboard.onPost = [&] { pasteboard.put(QStringLiteral("copied")); };
+    platform.clock().onWait = [&](Clock::Duration duration) {
+        if (duration == 50ms)
+            pasteboard.put(QStringLiteral("theirs"));
+    };
+    EXPECT_TRUE(capture());
+    EXPECT_EQ(pasteboard.string(), QStringLiteral("theirs"));
+}
+
 TEST_F(ClipboardCapturerTest, WritesNothingWhereNothingWasCopiedOrNothingWasThere)
 {
     EXPECT_FALSE(capture());
@@ -154,6 +165,30 @@ TEST_F(ClipboardCapturerTest, AHangingOwnerCostsTheTimeOutOnce)
     start = platform.clock().now();
     EXPECT_FALSE(capture());
     EXPECT_LE(elapsed(), 900ms);
+}
+
+TEST_F(ClipboardCapturerTest, AnItemThatAnswersLateMayHaveCopiedAllTheSame)
+{
+    const auto item = std::make_shared<TestElement>();
+    item->attributes[QStringLiteral("AXRole")] = {AXError::None, QStringLiteral("AXMenuItem")};
+    item->attributes[QStringLiteral("AXIdentifier")] = {AXError::None, QStringLiteral("copy:")};
+    const auto bar = std::make_shared<TestElement>();
+    bar->attributes[QStringLiteral("AXChildren")] = {AXError::None, QList{AXElement(item)}};
+    const auto application = std::make_shared<TestElement>();
+    application->attributes[QStringLiteral("AXMenuBar")] = {AXError::None, AXElement(bar)};
+    platform.accessibility().applications[1] = AXElement(application);
+    for (const AXError error : {AXError::None, AXError::TimedOut, AXError::CannotComplete}) {
+        keyboard.posted.clear();
+        item->onAction = [&](const QString &name) {
+            EXPECT_EQ(name, QStringLiteral("AXPress"));
+            pasteboard.put(QStringLiteral("copied"));
+            return error;
+        };
+        const auto copied = ClipboardCapturer::selectedText(true, true, 400ms);
+        EXPECT_EQ(copied == (CopiedText{QStringLiteral("copied"), true}), error != AXError::CannotComplete);
+        EXPECT_EQ(keyboard.posted.isEmpty(), error != AXError::CannotComplete);
+        pasteboard.put(rich);
+    }
 }
 
 TEST_F(ClipboardCapturerTest, TypesOnceTheModifiersAreUp)

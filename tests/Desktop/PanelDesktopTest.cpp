@@ -159,6 +159,14 @@ TEST_F(PanelDesktop, IsWorkedByKeysAndPointer)
     DesktopSession::rest(std::chrono::milliseconds(200));
     desktop.pressKey(XK_Escape);
     EXPECT_TRUE(hasPanels(0));
+
+    // The program's end asks no panel.
+    ASSERT_TRUE(capture());
+    ASSERT_TRUE(click(QStringLiteral("Pin")));
+    ASSERT_TRUE(capture());
+    EXPECT_TRUE(hasPanels(2));
+    tovi->terminate();
+    EXPECT_TRUE(DesktopSession::eventually([&] { return tovi->state() == QProcess::NotRunning; }));
 }
 
 TEST_F(PanelDesktop, IsReachedByTheKeyboardAlone)

@@ -32,7 +32,7 @@ struct TestElement : AXElementImpl
     {
         const std::scoped_lock lock(mutex);
         actions << name;
-        return AXError::None;
+        return onAction ? onAction(name) : AXError::None;
     }
     AXResult elementAtPosition(float x, float y) override
     {
@@ -47,6 +47,7 @@ struct TestElement : AXElementImpl
     std::map<QString, AXResult> attributes;
     std::map<QString, std::function<AXResult(const AXValue &)>> parameterized;
     std::function<void(const QString &)> onRequest;
+    std::function<AXError(const QString &)> onAction;
     AXResult atPosition{AXError::NoValue, {}};
     QList<QPointF> positions;
     QStringList requests;

@@ -37,6 +37,8 @@ void TestClock::afterDetached(Duration delay, std::function<void()> action)
 
 void TestClock::wait(Duration duration)
 {
+    if (onWait)
+        onWait(duration);
     const std::scoped_lock lock(m_state->mutex);
     m_state->now += duration;
 }

@@ -19,6 +19,7 @@ public:
     void afterDetached(Duration delay, std::function<void()> action) override;
     /// Moves the clock forward by itself: a worker's wait costs a test no time.
     void wait(Duration duration) override;
+    std::function<void(Duration)> onWait; ///< what happens during a worker's wait; set before it begins
 
     /// Moves time forward, running due actions in order of their times, and delivering queued main-thread
     /// work after each.

@@ -16,6 +16,8 @@ namespace tovi {
 
 namespace {
 
+constexpr qsizetype mostValues = 64;
+
 /// Files of the process and of the profile have no size worth trusting.
 QByteArray readFile(const QString &path, qint64 limit)
 {
@@ -42,7 +44,8 @@ QList<QByteArray> switchValues(const QByteArray &commandLine, const QByteArray &
     if (start < 0)
         return values;
     const QByteArray rest = joined.mid(start + 1 + name.size());
-    for (qsizetype end = rest.indexOf(' '); end >= 0; end = rest.indexOf(' ', end + 1))
+    for (qsizetype end = rest.indexOf(' '); end >= 0 && values.size() < mostValues - 1;
+         end = rest.indexOf(' ', end + 1))
         values << rest.left(end);
     values << rest;
     return values;
@@ -107,7 +110,7 @@ std::optional<DevToolsEndpoint> readProfile(const QString &folder, const QList<q
         return std::nullopt;
     struct stat lock, file;
     if (::lstat(lockPath.constData(), &lock) != 0 ||
-        ::stat(QFile::encodeName(filePath).constData(), &file) != 0 ||
+        ::stat(QFile::encodeName(filePath).constData(), &file) != 0 || !S_ISREG(file.st_mode) ||
         std::tie(file.st_mtim.tv_sec, file.st_mtim.tv_nsec) <
             std::tie(lock.st_mtim.tv_sec, lock.st_mtim.tv_nsec))
         return std::nullopt;

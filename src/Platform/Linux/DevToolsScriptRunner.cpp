@@ -8,6 +8,7 @@ namespace tovi {
 
 namespace {
 
+// Written out here, not shared with who asks: what is run is what this file says, whatever that becomes.
 const QLatin1String scriptStart("tell application id \"");
 const QLatin1String scriptRest(R"--("
     if (count of windows) is 0 then return ""

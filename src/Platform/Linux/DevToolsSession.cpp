@@ -87,7 +87,7 @@ std::optional<QString> DevToolsSession::selectedText(const QString &windowTitle)
             break;
         const auto answer = state(candidates[i]);
         if (!m_client.isOpen())
-            return std::nullopt;
+            break; // out of time, or the browser went
         if (!answer || !answer->isVisible)
             continue;
         if (answer->hasFocus)
@@ -118,22 +118,34 @@ std::optional<DevToolsSession::PageState> DevToolsSession::state(const Page &pag
     if (!attached)
         return std::nullopt;
     const QString session = (*attached)[QLatin1String("sessionId")].toString();
-    const auto evaluated = call(QStringLiteral("Runtime.evaluate"),
-                                {{QStringLiteral("expression"),
-                                  QStringLiteral("(visible => ({visible, focused: document.hasFocus(), "
-                                                 "text: visible ? window.getSelection().toString() : ''}))"
-                                                 "(document.visibilityState === 'visible')")},
-                                 {QStringLiteral("returnByValue"), true},
-                                 {QStringLiteral("silent"), true},
-                                 {QStringLiteral("timeout"), double(m_deadline.remainingTime())}},
-                                session);
+    const QJsonValue value = evaluate(page, session);
     send(QStringLiteral("Target.detachFromTarget"), {{QStringLiteral("sessionId"), session}});
-    const QJsonValue value =
-        evaluated ? evaluated->value(QLatin1String("result"))[QLatin1String("value")] : QJsonValue();
     if (!value.isObject())
         return std::nullopt;
     return PageState{value[QLatin1String("visible")].toBool(), value[QLatin1String("focused")].toBool(),
                      value[QLatin1String("text")].toString()};
+}
+
+QJsonValue DevToolsSession::evaluate(const Page &page, const QString &session)
+{
+    // In the page's own world its scripts may have replaced what is asked. The main frame is called as its
+    // target is.
+    const auto world =
+        call(QStringLiteral("Page.createIsolatedWorld"), {{QStringLiteral("frameId"), page.id}}, session);
+    if (!world)
+        return {};
+    const auto evaluated =
+        call(QStringLiteral("Runtime.evaluate"),
+             {{QStringLiteral("contextId"), world->value(QLatin1String("executionContextId"))},
+              {QStringLiteral("expression"),
+               QStringLiteral("(visible => ({visible, focused: document.hasFocus(), "
+                              "text: visible ? window.getSelection().toString() : ''}))"
+                              "(document.visibilityState === 'visible')")},
+              {QStringLiteral("returnByValue"), true},
+              {QStringLiteral("silent"), true},
+              {QStringLiteral("timeout"), double(m_deadline.remainingTime())}},
+             session);
+    return evaluated ? evaluated->value(QLatin1String("result"))[QLatin1String("value")] : QJsonValue();
 }
 
 bool DevToolsSession::send(const QString &method, const QJsonObject &parameters, const QString &session)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QJsonObject>
+#include <QJsonValue>
 #include <QList>
 #include <QString>
 
@@ -10,8 +11,8 @@
 
 namespace tovi {
 
-/// A conversation with a browser's DevTools server, for a thread that may block; it ends at the deadline. It
-/// changes nothing in any page.
+/// A conversation with a browser's DevTools server, for a thread that may block; it ends at the deadline.
+/// Nothing that a page's own scripts see changes.
 class DevToolsSession
 {
 public:
@@ -24,7 +25,7 @@ public:
     bool open(const DevToolsEndpoint &endpoint);
     /// What is selected in the page that the user sees: the visible one with the focus, else the first
     /// visible one, the pages asked first that the window's title names. May be empty; none when no page is
-    /// visible, and after any failure.
+    /// visible. What fails or takes too long costs only the pages that have not answered yet.
     std::optional<QString> selectedText(const QString &windowTitle);
 
 private:
@@ -42,6 +43,8 @@ private:
     bool isOneOf(const QList<qint64> &processes);
     QList<Page> pages();
     std::optional<PageState> state(const Page &page);
+    /// Asks the page itself; no object after any failure.
+    QJsonValue evaluate(const Page &page, const QString &session);
     bool send(const QString &method, const QJsonObject &parameters, const QString &session = {});
     std::optional<QJsonObject> call(const QString &method, const QJsonObject &parameters,
                                     const QString &session = {});

@@ -105,7 +105,8 @@ void LinuxApplication::beep()
 
 void LinuxApplication::terminate()
 {
-    QCoreApplication::quit();
+    // Not quit(): that asks each window, and a panel takes its closing for the user's wish to close it alone.
+    QCoreApplication::exit();
 }
 
 } // namespace tovi

@@ -29,7 +29,7 @@ void quitOnUnixSignals()
         new QSocketNotifier(s_signalSockets[1], QSocketNotifier::Read, QCoreApplication::instance());
     QObject::connect(notifier, &QSocketNotifier::activated, QCoreApplication::instance(), [notifier] {
         notifier->setEnabled(false);
-        QCoreApplication::quit();
+        QCoreApplication::exit(); // quit() would ask the windows first
     });
     struct sigaction action = {};
     action.sa_handler = toviSignalHandler;

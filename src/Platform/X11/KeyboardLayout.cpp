@@ -3,29 +3,26 @@
 
 #include <algorithm>
 
-#include "Platform/X11/Xcb.h"
 #include "Platform/X11/Xkb.h"
 
 namespace tovi {
 
-bool KeyboardLayout::useExtension(xcb_connection_t *connection)
+bool KeyboardLayout::useExtension(const XcbReplies &server)
 {
-    const auto *extension = xcb_get_extension_data(connection, &xcb_xkb_id);
+    const auto *extension = xcb_get_extension_data(server.connection(), &xcb_xkb_id);
     if (!extension || !extension->present)
         return false;
-    const XcbOwned<xcb_xkb_use_extension_reply_t> reply(
-        xcb_xkb_use_extension_reply(connection, xcb_xkb_use_extension(connection, 1, 0), nullptr));
+    const auto reply =
+        server.reply(xcb_xkb_use_extension(server.connection(), 1, 0), xcb_xkb_use_extension_reply);
     return reply && reply->supported;
 }
 
-KeyboardLayout::KeyboardLayout(xcb_connection_t *connection, quint32 keysym)
+KeyboardLayout::KeyboardLayout(const XcbReplies &server, quint32 keysym)
 {
     constexpr uint16_t part = XCB_XKB_MAP_PART_KEY_SYMS;
-    const XcbOwned<xcb_xkb_get_map_reply_t> reply(
-        xcb_xkb_get_map_reply(connection,
-                              xcb_xkb_get_map(connection, XCB_XKB_ID_USE_CORE_KBD, part, 0, 0, 0, 0, 0, 0, 0,
-                                              0, 0, 0, 0, 0, 0, 0, 0, 0),
-                              nullptr));
+    const auto reply = server.reply(xcb_xkb_get_map(server.connection(), XCB_XKB_ID_USE_CORE_KBD, part, 0, 0,
+                                                    0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0),
+                                    xcb_xkb_get_map_reply);
     if (!reply)
         return;
     xcb_xkb_get_map_map_t map{};
@@ -56,10 +53,10 @@ std::optional<xcb_keycode_t> KeyboardLayout::keycode(quint8 group) const
     return any == m_keycodes.end() ? std::nullopt : std::optional(*any);
 }
 
-KeyboardState KeyboardState::read(xcb_connection_t *connection)
+KeyboardState KeyboardState::read(const XcbReplies &server)
 {
-    const XcbOwned<xcb_xkb_get_state_reply_t> reply(
-        xcb_xkb_get_state_reply(connection, xcb_xkb_get_state(connection, XCB_XKB_ID_USE_CORE_KBD), nullptr));
+    const auto reply = server.reply(xcb_xkb_get_state(server.connection(), XCB_XKB_ID_USE_CORE_KBD),
+                                    xcb_xkb_get_state_reply);
     if (!reply)
         return {};
     return {.held = static_cast<quint8>(reply->baseMods | reply->latchedMods),

@@ -6,7 +6,7 @@
 
 #include <QtGlobal>
 
-#include <xcb/xcb.h>
+#include "Platform/X11/XcbSession.h"
 
 namespace tovi {
 
@@ -16,14 +16,14 @@ class KeyboardLayout
 public:
     KeyboardLayout() = default;
     /// Asks the server (one round trip). Without its keyboard extension there is no such key.
-    KeyboardLayout(xcb_connection_t *connection, quint32 keysym);
+    KeyboardLayout(const XcbReplies &server, quint32 keysym);
 
     /// The key in that layout, else in any; none where no layout has it.
     std::optional<xcb_keycode_t> keycode(quint8 group) const;
 
     /// Has to be called once for a connection before any of its keyboard requests; false without the
     /// extension. One round trip.
-    static bool useExtension(xcb_connection_t *connection);
+    static bool useExtension(const XcbReplies &server);
 
 private:
     std::vector<xcb_keycode_t> m_keycodes; // by layout; 0 where it is not in it
@@ -36,7 +36,7 @@ struct KeyboardState
     quint8 effective = 0; ///< locks included
     quint8 group = 0;     ///< the layout in use
     /// One round trip.
-    static KeyboardState read(xcb_connection_t *connection);
+    static KeyboardState read(const XcbReplies &server);
 };
 
 } // namespace tovi

@@ -9,16 +9,15 @@
 
 namespace tovi {
 
-KeyboardModifiers KeyboardModifiers::read(xcb_connection_t *connection)
+KeyboardModifiers KeyboardModifiers::read(const XcbReplies &server)
 {
+    auto *connection = server.connection();
     const xcb_setup_t *setup = xcb_get_setup(connection);
     const auto modifierCookie = xcb_get_modifier_mapping(connection);
     const auto keyboardCookie = xcb_get_keyboard_mapping(
         connection, setup->min_keycode, static_cast<uint8_t>(setup->max_keycode - setup->min_keycode + 1));
-    const XcbOwned<xcb_get_modifier_mapping_reply_t> modifiers(
-        xcb_get_modifier_mapping_reply(connection, modifierCookie, nullptr));
-    const XcbOwned<xcb_get_keyboard_mapping_reply_t> keyboard(
-        xcb_get_keyboard_mapping_reply(connection, keyboardCookie, nullptr));
+    const auto modifiers = server.reply(modifierCookie, xcb_get_modifier_mapping_reply);
+    const auto keyboard = server.reply(keyboardCookie, xcb_get_keyboard_mapping_reply);
     KeyboardModifiers result;
     if (!modifiers || !keyboard)
         return result;

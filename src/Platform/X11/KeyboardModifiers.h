@@ -7,7 +7,7 @@
 
 #include <QtGlobal>
 
-#include <xcb/xcb.h>
+#include "Platform/X11/XcbSession.h"
 
 namespace tovi {
 
@@ -21,7 +21,7 @@ struct KeyboardModifiers
     bool operator==(const KeyboardModifiers &) const = default;
 
     /// Asks the server (two round trips).
-    static KeyboardModifiers read(xcb_connection_t *connection);
+    static KeyboardModifiers read(const XcbReplies &server);
 
     /// The bits for a mask of the program's; none when one of its modifiers is not on the keyboard, or when
     /// it has no modifier.

@@ -12,6 +12,9 @@ namespace {
 constexpr qsizetype pieceSize = 240 << 10; // bytes
 constexpr std::chrono::seconds stallLimit{20};
 constexpr std::chrono::milliseconds requestLimit{250};
+constexpr std::chrono::seconds namesLimit{5};
+/// Of a request for several forms at once; in four-byte units.
+constexpr quint32 multipleLimit = 4096;
 
 struct Label
 {
@@ -36,14 +39,22 @@ SelectionServer::SelectionServer(XcbSession &session, xcb_window_t window)
     , m_window(window)
 {}
 
-void SelectionServer::setContents(std::shared_ptr<const QList<PasteboardItem>> contents)
+void SelectionServer::setContents(const QList<PasteboardItem> &contents)
 {
-    m_session.startDeadline(requestLimit);
+    QList<Label> labels;
+    QByteArrayList names;
+    for (const PasteboardItem &item : contents) {
+        labels << parsed(item);
+        names << item.type.toLatin1() << labels.last().type;
+    }
+    m_session.startDeadline(namesLimit);
+    m_session.prefetchAtoms(names);
     m_forms.clear();
-    for (const PasteboardItem &item : *contents) {
-        const Label label = parsed(item);
-        m_forms.append(
-            {m_session.atom(item.type.toLatin1()), m_session.atom(label.type), label.format, item.data});
+    for (qsizetype i = 0; i < contents.size(); ++i) {
+        const Form form{m_session.atom(names[2 * i]), m_session.atom(names[2 * i + 1]), labels[i].format,
+                        contents.at(i).data};
+        if (form.target != XCB_ATOM_NONE && form.type != XCB_ATOM_NONE)
+            m_forms << form;
     }
 }
 
@@ -83,6 +94,7 @@ void SelectionServer::handle(const xcb_selection_request_event_t &request)
 
 bool SelectionServer::convert(Place place, xcb_atom_t target)
 {
+    forget(place);
     if (target == m_session.atom("TARGETS")) {
         const QList<xcb_atom_t> atoms = targets();
         put(place, XCB_ATOM_ATOM, 32, atoms.constData(), atoms.size());
@@ -95,7 +107,6 @@ bool SelectionServer::convert(Place place, xcb_atom_t target)
     const auto form = std::ranges::find(m_forms, target, &Form::target);
     if (form == m_forms.end())
         return false;
-    forget(place);
     if (form->data.size() <= pieceSize) {
         put(place, form->type, form->format, form->data.constData(), form->data.size() / (form->format / 8));
         return true;
@@ -112,9 +123,10 @@ bool SelectionServer::convert(Place place, xcb_atom_t target)
 /// Pairs of form and property; those that fail lose their property.
 bool SelectionServer::convertMultiple(Place place)
 {
-    const auto reply = m_session.reply(m_session.requestProperty(place.requestor, place.property));
+    const auto reply =
+        m_session.reply(m_session.requestProperty(place.requestor, place.property, multipleLimit));
     QList<quint32> pairs = propertyItems(reply.get());
-    if (pairs.isEmpty() || pairs.size() % 2 != 0)
+    if (pairs.isEmpty() || pairs.size() % 2 != 0 || reply->bytes_after > 0)
         return false;
     for (qsizetype i = 0; i < pairs.size(); i += 2) {
         const bool isNested = pairs[i] == m_session.atom("MULTIPLE");

@@ -21,7 +21,7 @@ public:
     SelectionServer(XcbSession &session, xcb_window_t window);
 
     /// What is served from now on; transfers under way go on with what they began.
-    void setContents(std::shared_ptr<const QList<PasteboardItem>> contents);
+    void setContents(const QList<PasteboardItem> &contents);
     /// When the server accepted our ownership.
     void setTimestamp(xcb_timestamp_t timestamp) { m_timestamp = timestamp; }
     /// The forms on offer as the protocol lists them.

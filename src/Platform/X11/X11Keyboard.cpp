@@ -22,9 +22,10 @@ bool X11Keyboard::connect()
     // The server may have gone and come back.
     if (!m_session || !m_session->isOpen()) {
         m_session.emplace();
+        m_session->startDeadline(limit);
         const auto *test =
             m_session->isOpen() ? xcb_get_extension_data(m_session->connection(), &xcb_test_id) : nullptr;
-        m_isUsable = test && test->present && KeyboardLayout::useExtension(m_session->connection());
+        m_isUsable = test && test->present && KeyboardLayout::useExtension(*m_session);
     }
     m_session->startDeadline(limit);
     return m_isUsable && m_session->isOpen();
@@ -35,8 +36,8 @@ quint32 X11Keyboard::modifierFlags()
     const std::scoped_lock lock(m_mutex);
     if (!connect())
         return 0;
-    const uint16_t held = KeyboardState::read(m_session->connection()).held;
-    return held ? KeyboardModifiers::read(m_session->connection()).toFlags(held) : 0;
+    const uint16_t held = KeyboardState::read(*m_session).held;
+    return held ? KeyboardModifiers::read(*m_session).toFlags(held) : 0;
 }
 
 bool X11Keyboard::post(const KeyEvent &key)
@@ -56,6 +57,8 @@ bool X11Keyboard::post(const KeyEvent &key)
     for (auto it = chord->modifiers.rbegin(); it != chord->modifiers.rend(); ++it)
         fake(XCB_KEY_RELEASE, *it);
     m_session->reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(m_session->connection()));
+    while (const XcbOwned<xcb_generic_event_t> event{xcb_poll_for_event(m_session->connection())})
+        continue; // changes of the layout, which is asked for each time
     return true;
 }
 
@@ -65,19 +68,21 @@ std::optional<X11Keyboard::Chord> X11Keyboard::chordFor(const KeyEvent &key)
     if (!wanted)
         return std::nullopt;
     // Asked for each time: the layout may be another one now.
-    auto *connection = m_session->connection();
-    const quint8 group = KeyboardState::read(connection).group;
-    auto keycode = KeyboardLayout(connection, wanted->keysym).keycode(group);
+    const quint8 group = KeyboardState::read(*m_session).group;
+    auto keycode = KeyboardLayout(*m_session, wanted->keysym).keycode(group);
     // Where no layout types C, what copied before Control-C came up still copies; terminals excepted.
     if (!keycode && key == KeyEvent{keyCodeC, ModifierFlag::command})
-        keycode = KeyboardLayout(connection, XK_Insert).keycode(group);
+        keycode = KeyboardLayout(*m_session, XK_Insert).keycode(group);
     if (!keycode)
         return std::nullopt;
 
     Chord chord{*keycode, {}};
-    const uint16_t state = KeyboardModifiers::read(connection).fromFlags(key.modifiers);
+    const KeyboardModifiers modifiers = KeyboardModifiers::read(*m_session);
+    const uint16_t state = modifiers.fromFlags(key.modifiers);
+    if (modifiers.toFlags(state) != key.modifiers)
+        return std::nullopt; // one of them is not on the keyboard: without it the key means something else
     const auto mapping =
-        m_session->reply<xcb_get_modifier_mapping_reply_t>(xcb_get_modifier_mapping(connection));
+        m_session->reply<xcb_get_modifier_mapping_reply_t>(xcb_get_modifier_mapping(m_session->connection()));
     if (!mapping)
         return std::nullopt;
     const xcb_keycode_t *keycodes = xcb_get_modifier_mapping_keycodes(mapping.get());

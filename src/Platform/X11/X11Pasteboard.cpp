@@ -84,6 +84,7 @@ template <class T, class Read>
 Pasteboard::Answer<T> X11Pasteboard::transfer(Clock::Duration limit, Read read)
 {
     const QDeadlineTimer deadline(std::max<Clock::Duration>(limit, wholeLimit), Qt::PreciseTimer);
+    const QDeadlineTimer silence(limit, Qt::PreciseTimer);
     const std::unique_lock lock(m_mutex, std::max(limit, Clock::Duration::zero()));
     if (!lock)
         return {Status::TimedOut};
@@ -93,7 +94,8 @@ Pasteboard::Answer<T> X11Pasteboard::transfer(Clock::Duration limit, Read read)
     if (!m_session->isOpen())
         return {Status::Unavailable};
     m_session->startDeadline(std::chrono::duration_cast<std::chrono::milliseconds>(limit));
-    XcbSelectionTransfer transfer(*m_session, m_session->atom("CLIPBOARD"), deadline, limit);
+    XcbSelectionTransfer transfer(*m_session, m_session->atom("CLIPBOARD"), deadline,
+                                  silence.remainingTimeAsDuration());
     return read(transfer);
 }
 
@@ -150,6 +152,19 @@ Pasteboard::Answer<Pasteboard::Text> X11Pasteboard::text(Clock::Duration limit)
 {
     if (const auto own = clipboard().ownContents())
         return textOf(*own);
+    // Mark and text are asked for one after the other: they must be the same owner's.
+    constexpr int mostAttempts = 3;
+    for (int i = 0; i < mostAttempts; ++i) {
+        const qint64 before = changeCount();
+        const Answer<Text> answer = foreignText(limit);
+        if (answer.status == Status::TimedOut || changeCount() == before)
+            return answer;
+    }
+    return {};
+}
+
+Pasteboard::Answer<Pasteboard::Text> X11Pasteboard::foreignText(Clock::Duration limit)
+{
     return transfer<Text>(limit, [&](XcbSelectionTransfer &transfer) -> Answer<Text> {
         const auto targets = transfer.targets();
         if (targets.status != XcbSelectionTransfer::Status::Done)

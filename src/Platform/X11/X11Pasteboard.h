@@ -26,6 +26,7 @@ private:
     XcbClipboard &clipboard();
     template <class T, class Read>
     Answer<T> transfer(Clock::Duration limit, Read read);
+    Answer<Text> foreignText(Clock::Duration limit);
     QStringList names(const QList<xcb_atom_t> &atoms);
 
     std::once_flag m_opened;

@@ -112,16 +112,28 @@ void XcbClipboard::run()
 void XcbClipboard::takeOwnership(const Contents &contents)
 {
     auto *connection = m_session.connection();
-    m_server->setContents(contents);
+    m_server->setContents(*contents);
     m_session.startDeadline(requestLimit);
     xcb_set_selection_owner(connection, m_window, m_session.atom("CLIPBOARD"), XCB_CURRENT_TIME);
     // The announcement comes before the answer to what is asked after it.
-    m_session.reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(connection));
+    const auto answer = m_session.reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(connection));
     while (const XcbOwned<xcb_generic_event_t> event{xcb_poll_for_event(connection)})
         handle(*event);
     const std::scoped_lock lock(m_mutex);
-    if (m_contents == contents)
-        m_isPending = false;
+    if (m_contents != contents)
+        return; // written anew meanwhile
+    m_isPending = false;
+    if (answer && !m_isOwner) // a server that is slow to answer may make us the owner yet
+        dropContents();
+}
+
+/// What nobody can ask us for any more: large pictures, or somebody's password.
+void XcbClipboard::dropContents()
+{
+    if (m_isPending)
+        return;
+    m_contents.reset();
+    m_server->setContents({});
 }
 
 void XcbClipboard::handle(const xcb_generic_event_t &event)
@@ -139,10 +151,12 @@ void XcbClipboard::handle(const xcb_generic_event_t &event)
         const auto &change = reinterpret_cast<const xcb_xfixes_selection_notify_event_t &>(event);
         const std::scoped_lock lock(m_mutex);
         m_isOwner = change.owner == m_window;
-        if (m_isOwner)
+        if (m_isOwner) {
             m_server->setTimestamp(change.selection_timestamp);
-        else
+        } else {
             ++m_changeCount;
+            dropContents();
+        }
     }
 }
 

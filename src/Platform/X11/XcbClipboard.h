@@ -16,7 +16,8 @@ class SelectionServer;
 
 /// The CLIPBOARD selection from its owner's side: counts its changes and serves what this program puts there,
 /// on a connection and a thread of its own, so that no busy or waiting part of the program holds up others.
-/// Any thread. Ending it leaves the contents to the clipboard manager, if there is one.
+/// Any thread. Made in a few round trips to the server. Ending it leaves the contents to the clipboard
+/// manager, if there is one, which may take a second.
 class XcbClipboard
 {
 public:
@@ -24,7 +25,6 @@ public:
     ~XcbClipboard();
     XcbClipboard(const XcbClipboard &) = delete;
 
-    bool isOpen() const { return m_session.isOpen() && m_xfixesEvent != 0; }
     qint64 changeCount() const { return m_changeCount; }
     /// What this program put there, while it is there.
     std::shared_ptr<const QList<PasteboardItem>> ownContents() const;
@@ -39,6 +39,7 @@ private:
     void run();
     void handle(const xcb_generic_event_t &event);
     void takeOwnership(const Contents &contents);
+    void dropContents();
     void handOver();
     void wait(std::optional<std::chrono::steady_clock::time_point> until);
     void wake() const;

@@ -35,7 +35,10 @@ XcbSelectionTransfer::XcbSelectionTransfer(XcbSession &session, xcb_atom_t selec
 
 XcbSelectionTransfer::~XcbSelectionTransfer()
 {
-    xcb_destroy_window(m_server, m_requestor);
+    if (m_isAnswerDue)
+        m_session.abandon(m_requestor);
+    else
+        xcb_destroy_window(m_server, m_requestor);
     xcb_flush(m_server);
     while (const XcbOwned<xcb_generic_event_t> event{xcb_poll_for_event(m_server)})
         continue;
@@ -115,8 +118,10 @@ XcbSelectionTransfer::Result XcbSelectionTransfer::receiveIncrements()
         if (!event)
             return {silenceStatus()};
         auto piece = takeProperty();
-        if (!piece || whole.data.size() + piece->data.size() > sizeLimit)
+        if (!piece || whole.data.size() + piece->data.size() > sizeLimit) {
+            m_isAnswerDue = true;
             return {Status::Refused};
+        }
         if (piece->data.isEmpty())
             return {Status::Done, std::move(whole)};
         whole.type = piece->type;
@@ -136,8 +141,9 @@ std::optional<XcbSelectionTransfer::Value> XcbSelectionTransfer::takeProperty()
                             qsizetype(reply->value_len) * (reply->format / 8))};
 }
 
-XcbSelectionTransfer::Status XcbSelectionTransfer::silenceStatus() const
+XcbSelectionTransfer::Status XcbSelectionTransfer::silenceStatus()
 {
+    m_isAnswerDue = true;
     return xcb_connection_has_error(m_server) ? Status::Broken : Status::TimedOut;
 }
 

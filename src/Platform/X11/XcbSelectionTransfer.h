@@ -10,7 +10,7 @@
 
 namespace tovi {
 
-/// Reads a selection from its owner. Made for one read: answers that come too late find nobody. Data over
+/// Reads a selection from its owner. Made for one read: nobody takes an answer that comes too late. Data over
 /// 64 MiB counts as none.
 class XcbSelectionTransfer
 {
@@ -63,7 +63,7 @@ public:
 private:
     Result receiveIncrements();
     std::optional<Value> takeProperty();
-    Status silenceStatus() const;
+    Status silenceStatus();
     /// The next event that `wanted` accepts; null after too long a silence or when the server is gone.
     template <class Wanted>
     XcbOwned<xcb_generic_event_t> waitFor(Wanted wanted);
@@ -75,6 +75,7 @@ private:
     const std::chrono::nanoseconds m_silence;
     xcb_window_t m_requestor = XCB_WINDOW_NONE;
     xcb_atom_t m_property = XCB_ATOM_NONE;
+    bool m_isAnswerDue = false; ///< the owner may still write to the requestor
 };
 
 } // namespace tovi

@@ -2,6 +2,7 @@
 #include "Platform/X11/XcbSession.h"
 
 #include <algorithm>
+#include <vector>
 
 #include <poll.h>
 #include <xcb/xcbext.h>
@@ -42,6 +43,27 @@ xcb_atom_t XcbSession::atom(const QByteArray &name)
         return known;
     const auto answer = reply<xcb_intern_atom_reply_t>(requestAtom(m_connection, name));
     return answer ? *m_atoms.insert(name, answer->atom) : xcb_atom_t(XCB_ATOM_NONE);
+}
+
+void XcbSession::prefetchAtoms(const QByteArrayList &names)
+{
+    std::vector<std::pair<QByteArray, xcb_intern_atom_cookie_t>> cookies;
+    for (const QByteArray &name : names) {
+        if (!m_atoms.contains(name))
+            cookies.emplace_back(name, requestAtom(m_connection, name));
+    }
+    for (const auto &[name, cookie] : cookies) {
+        if (const auto answer = reply<xcb_intern_atom_reply_t>(cookie))
+            m_atoms.insert(name, answer->atom);
+    }
+}
+
+void XcbSession::abandon(xcb_window_t window)
+{
+    constexpr qsizetype mostWindows = 64;
+    m_abandoned << window;
+    if (m_abandoned.size() > mostWindows)
+        xcb_destroy_window(m_connection, m_abandoned.takeFirst());
 }
 
 qint64 XcbSession::processOf(quint32 resource)

@@ -3,6 +3,7 @@
 
 #include <chrono>
 
+#include <QByteArrayList>
 #include <QHash>
 
 #include "Platform/X11/Xcb.h"
@@ -45,6 +46,11 @@ public:
                                               quint32 length = 256) const;
     /// Asked for once.
     xcb_atom_t atom(const QByteArray &name);
+    /// Asks for many at once: one round trip.
+    void prefetchAtoms(const QByteArrayList &names);
+    /// A window that somebody may still write to: it stays until the session ends, or until it is one of too
+    /// many. Programs die of writing to a window that has gone.
+    void abandon(xcb_window_t window);
     /// The local process that the client owning `resource` runs in; 0 where the server does not know.
     qint64 processOf(quint32 resource);
     /// Whether two resources belong to the same client.
@@ -56,7 +62,36 @@ private:
     xcb_connection_t *m_connection = nullptr;
     xcb_window_t m_root = 0;
     QHash<QByteArray, xcb_atom_t> m_atoms;
+    QList<xcb_window_t> m_abandoned;
     Time m_deadline = Time::max();
+};
+
+/// Replies of the server on a session, which ends its waiting, or on the toolkit's connection, which knows no
+/// end: whoever is asked, the question is the same.
+class XcbReplies
+{
+public:
+    XcbReplies(XcbSession &session)
+        : m_session(&session)
+        , m_connection(session.connection())
+    {}
+    XcbReplies(xcb_connection_t *connection)
+        : m_connection(connection)
+    {}
+
+    xcb_connection_t *connection() const { return m_connection; }
+    /// Null when the request failed. `wait` is the library's function for this kind of reply.
+    template <class Reply, class Cookie>
+    XcbOwned<Reply> reply(Cookie cookie,
+                          Reply *(*wait)(xcb_connection_t *, Cookie, xcb_generic_error_t **)) const
+    {
+        return m_session ? m_session->reply<Reply>(cookie)
+                         : XcbOwned<Reply>(wait(m_connection, cookie, nullptr));
+    }
+
+private:
+    XcbSession *m_session = nullptr;
+    xcb_connection_t *m_connection;
 };
 
 } // namespace tovi

@@ -76,6 +76,12 @@ void OtherClient::key(uint8_t keycode, bool down)
     m_session.reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(connection));
 }
 
+bool OtherClient::isDown(uint8_t keycode)
+{
+    const auto keys = m_session.reply<xcb_query_keymap_reply_t>(xcb_query_keymap(m_session.connection()));
+    return keys && (keys->keys[keycode / 8] & (1 << keycode % 8));
+}
+
 void OtherClient::press(std::initializer_list<uint8_t> chord)
 {
     for (const uint8_t keycode : chord)

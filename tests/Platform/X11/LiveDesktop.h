@@ -34,6 +34,7 @@ class OtherClient
 public:
     /// Key codes are the server's.
     void key(uint8_t keycode, bool down);
+    bool isDown(uint8_t keycode);
     void press(std::initializer_list<uint8_t> chord);
     /// Takes the combination for itself; false when the server refuses.
     bool grab(uint8_t keycode, uint16_t state);

@@ -24,6 +24,7 @@ class ScriptRunner;
 class SecretStore;
 class SpeechSynthesizer;
 class SystemLog;
+class TextRecognizer;
 class TranslationFramework;
 class URLLoading;
 class UserDefaults;
@@ -55,6 +56,7 @@ public:
     virtual SecretStore &secretStore() = 0;
     virtual SpeechSynthesizer &speechSynthesizer() = 0;
     virtual SystemLog &systemLog() = 0;
+    virtual TextRecognizer &textRecognizer() = 0;
     virtual TranslationFramework &translationFramework() = 0;
     virtual URLLoading &urlLoading() = 0;
     virtual UserDefaults &userDefaults() = 0;

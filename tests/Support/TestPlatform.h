@@ -29,6 +29,7 @@
 #include "Support/TestPasteboard.h"
 #include "Support/TestSecretStore.h"
 #include "Support/TestSpeechSynthesizer.h"
+#include "Support/TestTextRecognizer.h"
 #include "Support/TestTranslationFramework.h"
 
 namespace tovi {
@@ -246,6 +247,7 @@ public:
     TestSecretStore &secretStore() override { return m_secretStore; }
     TestSpeechSynthesizer &speechSynthesizer() override { return m_speechSynthesizer; }
     TestSystemLog &systemLog() override { return m_systemLog; }
+    TestTextRecognizer &textRecognizer() override { return m_textRecognizer; }
     TestTranslationFramework &translationFramework() override { return m_translationFramework; }
     URLLoading &urlLoading() override { return *m_urlLoading; }
     TestUserDefaults &userDefaults() override { return m_userDefaults; }
@@ -270,6 +272,7 @@ private:
     TestSecretStore m_secretStore;
     TestSpeechSynthesizer m_speechSynthesizer;
     TestSystemLog m_systemLog;
+    TestTextRecognizer m_textRecognizer;
     TestTranslationFramework m_translationFramework;
     std::unique_ptr<URLLoading> m_urlLoading = std::make_unique<TestURLLoading>();
     TestUserDefaults m_userDefaults;

@@ -15,6 +15,7 @@
 #include "Platform/Linux/LinuxSecretStore.h"
 #include "Platform/Linux/SpeechDispatcherSynthesizer.h"
 #include "Platform/Linux/SyslogLog.h"
+#include "Platform/Linux/TesseractRecognizer.h"
 #include "Platform/Linux/XdgLoginItem.h"
 #include "Platform/NotificationCenter.h"
 #include "Platform/X11/ScreenGeometry.h"
@@ -89,6 +90,7 @@ struct X11Platform::Services
     X11Keyboard keyboard{workspace.frontWindow()};
     X11Pasteboard pasteboard;
     X11ScreenCapture screenCapture;
+    TesseractRecognizer textRecognizer{clock};
     X11PanelHost panelHost{workspace.frontWindow(), clock};
     AtspiAccessibility accessibility{sharedWithoutOwnership(workspace.frontWindow()),
                                      std::make_shared<XcbPrimarySelection>(), accessibilityScale()};
@@ -195,6 +197,11 @@ SpeechSynthesizer &X11Platform::speechSynthesizer()
 SystemLog &X11Platform::systemLog()
 {
     return m_services->systemLog;
+}
+
+TextRecognizer &X11Platform::textRecognizer()
+{
+    return m_services->textRecognizer;
 }
 
 TranslationFramework &X11Platform::translationFramework()

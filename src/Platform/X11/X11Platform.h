@@ -35,6 +35,7 @@ public:
     SecretStore &secretStore() override;
     SpeechSynthesizer &speechSynthesizer() override;
     SystemLog &systemLog() override;
+    TextRecognizer &textRecognizer() override;
     TranslationFramework &translationFramework() override;
     URLLoading &urlLoading() override;
     UserDefaults &userDefaults() override;

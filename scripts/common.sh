@@ -6,7 +6,8 @@ program_packages=(
     g++ cmake ninja-build ccache pkg-config
     qt6-base-dev qt6-base-private-dev qt6-svg-dev libqt6svg6 qt6-qpa-plugins qcoro-qt6-dev
     x11proto-dev libxcb1-dev libxcb-xinput-dev libxcb-xtest0-dev libxcb-xfixes0-dev libxcb-res0-dev
-    libxcb-keysyms1-dev libxcb-xkb-dev libxcb-randr0-dev libxcb-shape0-dev libsystemd-dev
+    libxcb-keysyms1-dev libxcb-xkb-dev libxcb-randr0-dev libxcb-shape0-dev libxcb-composite0-dev
+    libxcb-render0-dev libxcb-shm0-dev libsystemd-dev
     libsecret-1-dev libcld2-dev libcurl4-openssl-dev ca-certificates
     libspeechd-dev libspeechd2 speech-dispatcher speech-dispatcher-espeak-ng espeak-ng-data
     at-spi2-core dbus apertium apertium-eng-spa apertium-fr-es

@@ -3,7 +3,6 @@
 
 #include <QPointer>
 
-#include "Capture/ScreenSelectionController.h"
 #include "GlobalHotKey.h"
 #include "HotKeyStatus.h"
 #include "Localization.h"
@@ -14,6 +13,7 @@
 #include "Platform/SystemLog.h"
 #include "Platform/Trace.h"
 #include "Settings.h"
+#include "UI/ScreenSelectionController.h"
 
 /// The pictures are in a static library, which nothing else would pull in.
 static void loadResources()

@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <stop_token>
 
 #include <QMenu>
 #include <QObject>
@@ -86,6 +87,8 @@ private:
     void configure(const Model &model);
     void translate(const QString &text, const Model &model, const QUuid &providerID);
     QCoro::Task<> runTranslation(QString text, Model model, QUuid providerID, int number);
+    /// Abandons what is under way: its outcome will be dropped.
+    qint64 nextToken();
     bool isCurrent(qint64 token) const { return token == m_captureToken; }
 
     std::unique_ptr<QMenu> m_statusMenu;
@@ -97,7 +100,8 @@ private:
     Subscription m_textEditingMonitor; ///< in the program's own windows
     Clock::Time m_lastCopyTime = Clock::distantPast();
     bool m_isCapturing = false;
-    qint64 m_captureToken = 0; ///< the generation of captures; a late result of an older one is dropped
+    qint64 m_captureToken = 0;      ///< the generation of captures; a late result of an older one is dropped
+    std::stop_source m_recognition; ///< of the present generation: nobody waits for an older one's
     bool m_hotKeysSuspended = false;
     Subscription m_watchdog;
     std::vector<Subscription> m_observers;

@@ -5,7 +5,6 @@
 
 #include "Capture/CaptureManager.h"
 #include "Capture/ClipboardCapturer.h"
-#include "Capture/ScreenSelectionController.h"
 #include "Localization.h"
 #include "Platform/Accessibility.h"
 #include "Platform/Application.h"
@@ -20,6 +19,7 @@
 #include "Translation/Translator.h"
 #include "UI/ResultPanelManager.h"
 #include "UI/ResultViewModel.h"
+#include "UI/ScreenSelectionController.h"
 
 namespace tovi {
 
@@ -56,9 +56,16 @@ void AppDelegate::triggerCapture()
 void AppDelegate::performCapture(bool preferOCR, std::optional<QPointF> at)
 {
     m_isCapturing = true;
-    const qint64 token = ++m_captureToken;
+    const qint64 token = nextToken();
     Trace::mark("captureStarted");
     runCapture(preferOCR, at, token);
+}
+
+qint64 AppDelegate::nextToken()
+{
+    m_recognition.request_stop();
+    m_recognition = std::stop_source();
+    return ++m_captureToken;
 }
 
 QCoro::Task<> AppDelegate::runCapture(bool preferOCR, std::optional<QPointF> at, qint64 token)
@@ -78,7 +85,7 @@ QCoro::Task<> AppDelegate::runCapture(bool preferOCR, std::optional<QPointF> at,
             holder->model = self->showOCRProgress(token, std::nullopt, appName);
         holder->model->updateOCRProgress(progress);
     };
-    auto capture = CaptureManager::shared().capture(preferOCR, at, onProgress);
+    auto capture = CaptureManager::shared().capture(preferOCR, at, onProgress, m_recognition.get_token());
     const auto result = co_await capture;
     if (self && isCurrent(token))
         captureFinished(result, holder->model);
@@ -110,7 +117,7 @@ void AppDelegate::abandonSlowCapture(qint64 token, const ProgressHolder &holder)
     if (!isCurrent(token) || !m_isCapturing || holder.model)
         return;
     m_isCapturing = false;
-    ++m_captureToken;
+    nextToken();
     Platform::current().application().beep();
     showMessage(t(Str::messageTimeout));
 }
@@ -132,7 +139,7 @@ AppDelegate::Model AppDelegate::showOCRProgress(qint64 token, std::optional<QRec
     model->onDismiss = [self = QPointer(this), token] {
         if (!self || !self->isCurrent(token))
             return;
-        ++self->m_captureToken;
+        self->nextToken();
         self->m_isCapturing = false;
     };
     return model;
@@ -144,7 +151,7 @@ void AppDelegate::triggerOCR()
         performCapture(true, Platform::current().workspace().mouseLocation());
         return;
     }
-    const qint64 token = ++m_captureToken;
+    const qint64 token = nextToken();
     m_isCapturing = false;
     const auto appName = Platform::current().workspace().frontmostName();
     ScreenCapture &screenCapture = Platform::current().screenCapture();
@@ -167,7 +174,7 @@ QCoro::Task<> AppDelegate::performRegionOCR(QRectF rect, qint64 token, std::opti
         if (self && self->isCurrent(token))
             model->updateOCRProgress(progress);
     };
-    auto recognition = OCRCapturer::recognizeText(rect, onProgress);
+    auto recognition = OCRCapturer::recognizeText(rect, onProgress, m_recognition.get_token());
     const OCRResult result = co_await recognition;
     if (!self || !isCurrent(token))
         co_return;

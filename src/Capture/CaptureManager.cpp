@@ -22,11 +22,13 @@ QRectF recognitionRect(QPointF cursor)
 
 QCoro::Task<std::optional<CaptureResult>> recognize(std::optional<QPointF> cursor,
                                                     std::optional<QString> appName,
-                                                    CaptureManager::ProgressHandler onProgress)
+                                                    CaptureManager::ProgressHandler onProgress,
+                                                    std::stop_token stop)
 {
     if (!cursor)
         co_return std::nullopt;
-    const OCRResult result = co_await OCRCapturer::recognizeText(recognitionRect(*cursor), onProgress);
+    auto recognition = OCRCapturer::recognizeText(recognitionRect(*cursor), onProgress, stop);
+    const OCRResult result = co_await recognition;
     if (result.kind != OCRResult::Kind::text)
         co_return std::nullopt;
     co_return CaptureResult{.text = result.text, .source = CaptureSource::ocr, .appName = appName};
@@ -49,17 +51,20 @@ CaptureManager &CaptureManager::shared()
 }
 
 QCoro::Task<std::optional<CaptureResult>> CaptureManager::capture(bool preferOCR, std::optional<QPointF> at,
-                                                                  ProgressHandler onOCRProgress)
+                                                                  ProgressHandler onOCRProgress,
+                                                                  std::stop_token stop)
 {
     const Clock::Time start = Platform::current().clock().now();
-    auto result = co_await captureInternal(preferOCR, at, std::move(onOCRProgress));
+    auto result = co_await captureInternal(preferOCR, at, std::move(onOCRProgress), stop);
     if (result)
         result->duration = seconds(Platform::current().clock().now() - start);
     co_return result;
 }
 
-QCoro::Task<std::optional<CaptureResult>>
-CaptureManager::captureInternal(bool preferOCR, std::optional<QPointF> at, ProgressHandler onOCRProgress)
+QCoro::Task<std::optional<CaptureResult>> CaptureManager::captureInternal(bool preferOCR,
+                                                                          std::optional<QPointF> at,
+                                                                          ProgressHandler onOCRProgress,
+                                                                          std::stop_token stop)
 {
     Workspace &workspace = Platform::current().workspace();
     const auto cursor = at ? at : workspace.mouseLocation();
@@ -72,7 +77,7 @@ CaptureManager::captureInternal(bool preferOCR, std::optional<QPointF> at, Progr
         if (result || !Settings::shared().ocrEnabled)
             co_return result;
     }
-    co_return co_await recognize(cursor, appName, std::move(onOCRProgress));
+    co_return co_await recognize(cursor, appName, std::move(onOCRProgress), stop);
 }
 
 QFuture<std::optional<CaptureResult>> CaptureManager::syncCapture(std::optional<QPointF> cursor,

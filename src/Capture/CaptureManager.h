@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <optional>
+#include <stop_token>
 
 #include <QPointF>
 #include <qcorotask.h>
@@ -33,13 +34,16 @@ public:
     static CaptureManager &shared();
 
     /// The first text that a strategy yields, else none; never throws. `at` defaults to the pointer; where
-    /// that is unknown too, the strategies that look at a place on the screen are left out.
+    /// that is unknown too, the strategies that look at a place on the screen are left out. Once stopped,
+    /// text recognition ends early; the outcome is of no interest then.
     QCoro::Task<std::optional<CaptureResult>> capture(bool preferOCR, std::optional<QPointF> at,
-                                                      ProgressHandler onOCRProgress);
+                                                      ProgressHandler onOCRProgress,
+                                                      std::stop_token stop = {});
 
 private:
     QCoro::Task<std::optional<CaptureResult>> captureInternal(bool preferOCR, std::optional<QPointF> at,
-                                                              ProgressHandler onOCRProgress);
+                                                              ProgressHandler onOCRProgress,
+                                                              std::stop_token stop);
     QFuture<std::optional<CaptureResult>> syncCapture(std::optional<QPointF> cursor,
                                                       std::optional<QString> appName, double primaryHeight);
     /// The strategies that block, cheapest first; the first text wins. Capture queue.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <stop_token>
 
 #include <QRectF>
 #include <QString>
@@ -9,23 +10,28 @@
 
 namespace tovi {
 
-enum class OCRProgress { capturing, recognizing };
+enum class OCRProgress {
+    capturing,   ///< taking the picture
+    recognizing, ///< reading it
+};
 
 struct OCRResult
 {
     enum class Kind {
         text,
-        noText,
-        permissionDenied,
+        noText,           ///< there is a picture, without text
+        permissionDenied, ///< no picture, or nothing read while recording the screen is not allowed
     };
     Kind kind = Kind::noText;
-    QString text; ///< non-empty and trimmed when the kind is text
+    QString text = {}; ///< not empty and trimmed when the kind is text
 };
 
 namespace OCRCapturer {
-/// Reads the text inside a rectangle (points, origin bottom-left of the primary screen, y up). Main thread;
-/// the progress callback is called there too.
-QCoro::Task<OCRResult> recognizeText(QRectF rect, std::function<void(OCRProgress)> onProgress);
+/// Reads the text inside a rectangle (points, origin bottom-left of the primary screen, y up), windows of
+/// this program left out. The progress callback may be empty. Once stopped, the outcome is of no interest and
+/// comes soon. Main thread.
+QCoro::Task<OCRResult> recognizeText(QRectF rect, std::function<void(OCRProgress)> onProgress,
+                                     std::stop_token stop = {});
 } // namespace OCRCapturer
 
 } // namespace tovi

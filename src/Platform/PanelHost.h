@@ -31,13 +31,17 @@ public:
     std::function<void()> onEscape;
 };
 
-/// Makes panels; the only code that places top-level windows.
+/// Makes panels; the only code that places top-level windows. A panel owns its content and keeps it as large
+/// as itself.
 class PanelHost
 {
 public:
     virtual ~PanelHost() = default;
-    /// The panel owns `content` and keeps it as large as itself.
     virtual std::unique_ptr<Panel> makePanel(std::unique_ptr<QWidget> content) = 0;
+    /// Covers a display: square, above all other windows, out of the window manager's reach. Where the
+    /// content paints nothing the screen shows through, or, where the desktop cannot do that, a picture of
+    /// the screen at the moment when the overlay came. Once one is key, all keys go to it until it goes.
+    virtual std::unique_ptr<Panel> makeOverlay(std::unique_ptr<QWidget> content) = 0;
 };
 
 } // namespace tovi

@@ -40,6 +40,11 @@ public:
         return std::make_unique<TestPanel>(this, std::move(content));
     }
 
+    std::unique_ptr<Panel> makeOverlay(std::unique_ptr<QWidget> content) override
+    {
+        return makePanel(std::move(content));
+    }
+
     QList<TestPanel *> open;
 };
 

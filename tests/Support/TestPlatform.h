@@ -134,12 +134,35 @@ struct TestHotKeyCenter final : HotKeyCenter
     QList<Keys> takenByOthers;
 };
 
+/// A screen on which everything is of one colour.
 struct TestScreenCapture final : ScreenCapture
 {
     bool preflightAccess() override { return allowed; }
     void requestAccess() override { ++requests; }
+    QFuture<ShareableContent> shareableContent() override { return answer(ShareableContent(content)); }
+    QFuture<QImage> captureImage(ContentFilter filter, StreamConfiguration configuration) override
+    {
+        filters << filter;
+        configurations << configuration;
+        QImage image(configuration.size, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        return answer(std::move(image));
+    }
+
     bool allowed = true;
     int requests = 0;
+    ShareableContent content{.displays = {1}};
+    std::optional<ScreenCaptureError> error;
+    QList<ContentFilter> filters;
+    QList<StreamConfiguration> configurations;
+
+private:
+    template <class T>
+    QFuture<T> answer(T value) const
+    {
+        return error ? QtFuture::makeExceptionalFuture<T>(std::make_exception_ptr(*error))
+                     : QtFuture::makeReadyFuture(std::move(value));
+    }
 };
 
 struct TestScriptRunner final : ScriptRunner

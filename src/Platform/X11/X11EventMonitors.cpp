@@ -49,7 +49,8 @@ public:
             return false;
         const auto *press = static_cast<const QKeyEvent *>(event);
         const auto keyCode = VirtualKeyCodes::fromCharacter(press->key());
-        return keyCode && m_handler({*keyCode, flagsOf(press->modifiers())});
+        const auto handler = m_handler; // it may end this monitor
+        return keyCode && handler({*keyCode, flagsOf(press->modifiers())});
     }
 
 private:

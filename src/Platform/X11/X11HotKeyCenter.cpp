@@ -94,7 +94,7 @@ bool X11HotKeyCenter::nativeEventFilter(const QByteArray &eventType, void *messa
         pressed(*static_cast<const xcb_key_press_event_t *>(message));
     } else if (type == XCB_KEY_RELEASE) {
         const auto *release = static_cast<const xcb_key_release_event_t *>(message);
-        if (release->detail == m_heldKey && release->event == m_root)
+        if (release->detail == m_heldKey)
             m_releaseTime = release->time;
     } else if (type == XCB_MAPPING_NOTIFY || (m_xkbEvent && type == m_xkbEvent)) {
         // XKB's events carry their kind in the second byte.
@@ -111,8 +111,6 @@ bool X11HotKeyCenter::nativeEventFilter(const QByteArray &eventType, void *messa
 
 void X11HotKeyCenter::pressed(const xcb_key_press_event_t &event)
 {
-    if (event.event != m_root)
-        return;
     // A key that is held down is pressed again after no release, or, now that its repetition has brought the
     // grab back, released and pressed in the same millisecond.
     if (event.detail == m_heldKey && (!m_releaseTime || event.time == m_releaseTime)) {
@@ -137,6 +135,7 @@ void X11HotKeyCenter::letGo(const xcb_key_press_event_t &event)
 {
     if (!m_rawInput.isPresent())
         return;
+    const bool isOwnGrab = event.event == m_root;
     m_heldKey = event.detail;
     m_releaseTime = 0;
     const auto released = [this](quint32 keycode) {
@@ -146,7 +145,9 @@ void X11HotKeyCenter::letGo(const xcb_key_press_event_t &event)
         }
     };
     m_releases = m_rawInput.watch(X11RawInput::Kind::KeyRelease, released);
-    xcb_ungrab_keyboard(m_connection, event.time);
+    // Else a window of ours holds the keyboard, and keeps it: the server then gives it the shortcuts, too.
+    if (isOwnGrab)
+        xcb_ungrab_keyboard(m_connection, event.time);
     const XcbOwned<xcb_query_keymap_reply_t> keys(
         xcb_query_keymap_reply(m_connection, xcb_query_keymap(m_connection), nullptr));
     const bool isDown = keys && (keys->keys[event.detail / 8] & (1 << event.detail % 8));

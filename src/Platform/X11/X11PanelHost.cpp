@@ -9,6 +9,7 @@
 #include "Platform/X11/FrontWindow.h"
 #include "Platform/X11/PanelWindow.h"
 #include "Platform/X11/ScreenGeometry.h"
+#include "Platform/X11/X11Overlay.h"
 
 namespace tovi {
 
@@ -136,6 +137,11 @@ std::unique_ptr<Panel> X11PanelHost::makePanel(std::unique_ptr<QWidget> content)
     if (m_windows->idle.empty())
         prepareLater(std::chrono::seconds(1));
     return std::make_unique<X11Panel>(m_windows, std::move(window));
+}
+
+std::unique_ptr<Panel> X11PanelHost::makeOverlay(std::unique_ptr<QWidget> content)
+{
+    return std::make_unique<X11Overlay>(std::move(content), m_compositing, m_clock);
 }
 
 void X11PanelHost::prepareLater(Clock::Duration delay)

@@ -23,6 +23,7 @@ public:
     ~X11PanelHost() override;
 
     std::unique_ptr<Panel> makePanel(std::unique_ptr<QWidget> content) override;
+    std::unique_ptr<Panel> makeOverlay(std::unique_ptr<QWidget> content) override;
 
     /// Whether a compositor blends translucent windows.
     bool isCompositing() const { return m_compositing; }

@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: MIT
+#include "Platform/X11/WindowList.h"
+
+#include <map>
+#include <vector>
+
+namespace tovi {
+
+namespace {
+
+// Window managers put at most two windows of their own around a client's. A window whose parts are so many is
+// no frame.
+constexpr int deepestClient = 3;
+constexpr size_t mostParts = 64;
+
+/// A window of the display server itself: where a compositor draws what we compose ourselves.
+bool isServers(const XcbSession &session, xcb_window_t window)
+{
+    return session.isSameClient(window, 0);
+}
+
+/// Some window managers keep hidden windows on the screen, below one of their own that nobody sees.
+bool isCurtain(const XcbSession &session, xcb_window_t windowManager, const StackedWindow &window,
+               QSize desktop)
+{
+    return windowManager && session.isSameClient(window.id, windowManager) &&
+           window.outline.contains(QRect(QPoint(), desktop));
+}
+
+QList<StackedWindow> visibleWindows(XcbSession &session)
+{
+    auto *connection = session.connection();
+    const auto check = propertyItems(
+        session.reply(session.requestProperty(session.root(), session.atom("_NET_SUPPORTING_WM_CHECK"))).get());
+    const xcb_window_t windowManager = check.isEmpty() ? 0 : check.first();
+    const auto desktop =
+        session.reply<xcb_get_geometry_reply_t>(xcb_get_geometry(connection, session.root()));
+    const auto tree = session.reply<xcb_query_tree_reply_t>(xcb_query_tree(connection, session.root()));
+    if (!tree || !desktop)
+        return {};
+    struct Question
+    {
+        xcb_window_t id;
+        xcb_get_window_attributes_cookie_t attributes;
+        xcb_get_geometry_cookie_t geometry;
+    };
+    std::vector<Question> questions;
+    const xcb_window_t *children = xcb_query_tree_children(tree.get());
+    for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i)
+        questions.push_back({children[i], xcb_get_window_attributes(connection, children[i]),
+                             xcb_get_geometry(connection, children[i])});
+    QList<StackedWindow> windows;
+    for (const Question &question : questions) {
+        const auto attributes = session.reply<xcb_get_window_attributes_reply_t>(question.attributes);
+        const auto geometry = session.reply<xcb_get_geometry_reply_t>(question.geometry);
+        if (!attributes || !geometry || attributes->map_state != XCB_MAP_STATE_VIEWABLE ||
+            isServers(session, question.id))
+            continue;
+        const int border = geometry->border_width;
+        const StackedWindow window{.id = question.id,
+                        .client = question.id,
+                        .visual = attributes->visual,
+                        .outline = {geometry->x, geometry->y, geometry->width + 2 * border,
+                                    geometry->height + 2 * border},
+                        .borderWidth = border};
+        if (attributes->_class == XCB_WINDOW_CLASS_INPUT_OUTPUT)
+            windows.append(window);
+        else if (isCurtain(session, windowManager, window, {desktop->width, desktop->height}))
+            windows.clear();
+    }
+    return windows;
+}
+
+/// Looks for the clients inside frames, level by level; a client carries the window manager's mark.
+void findClients(XcbSession &session, QList<StackedWindow> &windows)
+{
+    struct Candidate
+    {
+        StackedWindow *top;
+        xcb_window_t id;
+    };
+    auto *connection = session.connection();
+    const xcb_atom_t mark = session.atom("WM_STATE");
+    std::vector<Candidate> level;
+    for (StackedWindow &window : windows)
+        level.push_back({&window, window.id});
+    std::map<const StackedWindow *, bool> found;
+    for (int depth = 0; depth <= deepestClient && !level.empty(); ++depth) {
+        std::vector<xcb_get_property_cookie_t> marks;
+        std::vector<xcb_query_tree_cookie_t> trees;
+        for (const Candidate &candidate : level) {
+            marks.push_back(session.requestProperty(candidate.id, mark, 0));
+            trees.push_back(xcb_query_tree(connection, candidate.id));
+        }
+        std::vector<Candidate> next;
+        for (size_t i = 0; i < level.size(); ++i) {
+            const auto [top, id] = level[i];
+            const auto property = session.reply(marks[i]);
+            const auto tree = session.reply<xcb_query_tree_reply_t>(trees[i]);
+            if (found[top])
+                continue;
+            if (property && property->type != XCB_ATOM_NONE) {
+                top->client = id;
+                found[top] = true;
+            } else if (tree) {
+                const xcb_window_t *children = xcb_query_tree_children(tree.get());
+                const auto count = std::min(size_t(xcb_query_tree_children_length(tree.get())), mostParts);
+                for (size_t child = 0; child < count; ++child)
+                    next.push_back({top, children[child]});
+            }
+        }
+        std::erase_if(next, [&](const Candidate &candidate) { return found[candidate.top]; });
+        level = std::move(next);
+    }
+}
+
+void findProcesses(XcbSession &session, QList<StackedWindow> &windows)
+{
+    const auto *extension = xcb_get_extension_data(session.connection(), &xcb_res_id);
+    if (!extension || !extension->present)
+        return;
+    std::map<xcb_window_t, xcb_res_query_client_ids_cookie_t> questions; // by client window
+    for (const StackedWindow &window : windows) {
+        const xcb_res_client_id_spec_t question{window.client, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+        questions.try_emplace(window.client,
+                              xcb_res_query_client_ids(session.connection(), 1, &question));
+    }
+    std::map<xcb_window_t, qint64> processes;
+    for (const auto &[client, cookie] : questions)
+        processes[client] = localClientPid(session.reply<xcb_res_query_client_ids_reply_t>(cookie).get());
+    for (StackedWindow &window : windows)
+        window.processIdentifier = processes[window.client];
+}
+
+} // namespace
+
+QList<StackedWindow> stackedWindows(XcbSession &session)
+{
+    QList<StackedWindow> windows = visibleWindows(session);
+    findClients(session, windows);
+    findProcesses(session, windows);
+    return windows;
+}
+
+} // namespace tovi

@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: MIT
+#include "Platform/X11/X11ScreenCapture.h"
+
+#include <cmath>
+
+#include <QCoreApplication>
+
+#include <xcb/composite.h>
+
+#include "Platform/X11/ScreenComposer.h"
+#include "Platform/X11/ScreenGeometry.h"
+
+namespace tovi {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto serverLimit = 2s;
+
+ScreenCaptureError error(const char *description)
+{
+    return ScreenCaptureError(QString::fromLatin1(description));
+}
+
+/// In device pixels of the desktop.
+QRect nativeRect(const ContentFilter &filter, const StreamConfiguration &configuration)
+{
+    const ScreenGeometry geometry = ScreenGeometry::current();
+    const auto &screens = geometry.screens();
+    const auto screen = std::ranges::find(screens, filter.display, &Screen::displayNumber);
+    if (screen == screens.end())
+        throw error("the display is gone");
+    const double scale = screen->backingScaleFactor;
+    const QRectF &source = configuration.sourceRect;
+    const QPointF corner = geometry.toNative(screen->frame).topLeft();
+    const QRectF rect(corner + source.topLeft() * scale, source.size() * scale);
+    return {int(std::floor(rect.x())), int(std::floor(rect.y())), int(std::ceil(rect.width())),
+            int(std::ceil(rect.height()))};
+}
+
+bool isLeftOut(const StackedWindow &window, const ContentFilter &filter)
+{
+    return filter.excludedApplication == window.processIdentifier ||
+           filter.excludedWindows.contains(window.id);
+}
+
+} // namespace
+
+class X11ScreenCapture::Worker
+{
+public:
+    /// `ownWindow` belongs to the toolkit's connection.
+    explicit Worker(xcb_window_t ownWindow)
+        : m_ownWindow(ownWindow)
+    {}
+
+    ShareableContent content()
+    {
+        ShareableContent content;
+        for (const Screen &screen : ScreenGeometry::current().screens())
+            content.displays << screen.displayNumber;
+        for (const StackedWindow &window : windows()) {
+            content.windows.append({window.id, window.processIdentifier});
+            if (window.processIdentifier && !content.applications.contains(window.processIdentifier))
+                content.applications << window.processIdentifier;
+        }
+        return content;
+    }
+
+    QImage capture(const ContentFilter &filter, const StreamConfiguration &configuration)
+    {
+        const QRect area = nativeRect(filter, configuration);
+        QList<StackedWindow> shown = windows();
+        shown.removeIf([&filter](const StackedWindow &window) { return isLeftOut(window, filter); });
+        const QImage image = m_link->composer->compose(area, shown);
+        if (image.isNull())
+            throw error("the display server gave no picture");
+        if (image.size() == configuration.size)
+            return image;
+        return image.scaled(configuration.size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    }
+
+private:
+    struct Link
+    {
+        XcbSession session;
+        std::optional<ScreenComposer> composer;
+    };
+
+    QList<StackedWindow> windows()
+    {
+        if (!m_link || !m_link->session.isOpen())
+            m_link = std::make_unique<Link>();
+        XcbSession &session = m_link->session;
+        session.startDeadline(serverLimit);
+        if (!m_link->composer)
+            m_link->composer.emplace(session);
+        if (!m_link->composer->isPossible()) {
+            m_link.reset();
+            throw error("the display server refuses to compose windows");
+        }
+        QList<StackedWindow> list = stackedWindows(session);
+        // The server may count processes from elsewhere (a container); ours we know.
+        for (StackedWindow &window : list) {
+            if (session.isSameClient(window.client, m_ownWindow))
+                window.processIdentifier = QCoreApplication::applicationPid();
+        }
+        return list;
+    }
+
+    const xcb_window_t m_ownWindow;
+    std::unique_ptr<Link> m_link;
+};
+
+X11ScreenCapture::X11ScreenCapture()
+{
+    auto *connection = QtXcb::connection();
+    m_worker = std::make_unique<Worker>(xcb_generate_id(connection));
+    const auto *composite = xcb_get_extension_data(connection, &xcb_composite_id);
+    const auto *render = xcb_get_extension_data(connection, &xcb_render_id);
+    m_canCompose = composite && composite->present && render && render->present;
+    if (!m_canCompose)
+        return;
+    xcb_discard_reply(connection, xcb_composite_query_version(connection, 0, 4).sequence);
+    xcb_composite_redirect_subwindows(connection, QtXcb::root(), XCB_COMPOSITE_REDIRECT_AUTOMATIC);
+}
+
+X11ScreenCapture::~X11ScreenCapture() = default;
+
+QFuture<ShareableContent> X11ScreenCapture::shareableContent()
+{
+    return m_queue.run([worker = m_worker.get()] { return worker->content(); });
+}
+
+QFuture<QImage> X11ScreenCapture::captureImage(ContentFilter filter, StreamConfiguration configuration)
+{
+    return m_queue.run([worker = m_worker.get(), filter = std::move(filter), configuration] {
+        return worker->capture(filter, configuration);
+    });
+}
+
+} // namespace tovi

@@ -17,7 +17,7 @@ constexpr std::chrono::milliseconds copyFeedback{1200};
 
 /// The callback may replace itself or end its owner, so a copy of it runs.
 template <class... Args>
-void invoke(const std::function<void(Args...)> &callback, std::type_identity_t<Args>... args)
+void callIfSet(const std::function<void(Args...)> &callback, std::type_identity_t<Args>... args)
 {
     if (const auto alive = callback)
         alive(args...);
@@ -69,7 +69,7 @@ void ResultViewModel::updateOCRProgress(OCRProgress progress)
         ocrStartedAt = Platform::current().clock().now();
     ocrProgress = progress;
     isLoading = true;
-    invoke(onResize);
+    callIfSet(onResize);
 }
 
 void ResultViewModel::finishOCR(std::optional<QString> text, std::optional<QString> error)
@@ -81,7 +81,7 @@ void ResultViewModel::finishOCR(std::optional<QString> text, std::optional<QStri
     errorMessage = error;
     isLoading = false;
     onDismiss = nullptr; // closing the panel no longer concerns the capture
-    invoke(onResize);
+    callIfSet(onResize);
 }
 
 void ResultViewModel::selectLanguage(const QString &code)
@@ -91,7 +91,7 @@ void ResultViewModel::selectLanguage(const QString &code)
     targetLanguage = code;
     Settings::shared().targetLanguage = code;
     Platform::current().userDefaults().set(QStringLiteral("targetLanguage"), code);
-    invoke(onSelectLanguage, code);
+    callIfSet(onSelectLanguage, code);
 }
 
 void ResultViewModel::selectSourceLanguage(const QString &code)
@@ -101,7 +101,7 @@ void ResultViewModel::selectSourceLanguage(const QString &code)
     sourceLanguage = code;
     Settings::shared().sourceLanguage = code;
     Platform::current().userDefaults().set(QStringLiteral("sourceLanguage"), code);
-    invoke(onSelectSourceLanguage, code);
+    callIfSet(onSelectSourceLanguage, code);
 }
 
 void ResultViewModel::selectProvider(const QUuid &id)
@@ -109,7 +109,7 @@ void ResultViewModel::selectProvider(const QUuid &id)
     if (id == currentProviderID.get())
         return;
     currentProviderID = id;
-    invoke(onSelectProvider, id);
+    callIfSet(onSelectProvider, id);
 }
 
 void ResultViewModel::copyResult()

@@ -21,7 +21,7 @@ protected:
                                  {QStringLiteral("-T"), QStringLiteral("pixels"), QStringLiteral("-geometry"),
                                   QStringLiteral("60x12+100+100"), QStringLiteral("-fa"), QStringLiteral("Noto Sans Mono"), QStringLiteral("-fs"),
                                   QStringLiteral("12"), QStringLiteral("-e"),
-                                  QStringLiteral("printf '\\n   %s.\\n'; sleep 900").arg(phrase)});
+                                  QStringLiteral("echo; echo '   %1.'; sleep 900").arg(phrase)});
         terminalWindow = desktop.waitForWindow(QStringLiteral("pixels"));
         ASSERT_TRUE(terminalWindow);
     }

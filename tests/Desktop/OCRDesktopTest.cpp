@@ -19,7 +19,8 @@ protected:
         startProgram();
         terminal = desktop.start(QStringLiteral("xterm"),
                                  {QStringLiteral("-T"), QStringLiteral("pixels"), QStringLiteral("-geometry"),
-                                  QStringLiteral("60x12+100+100"), QStringLiteral("-fa"), QStringLiteral("Noto Sans Mono"), QStringLiteral("-fs"),
+                                  QStringLiteral("60x12+100+100"), QStringLiteral("-fa"),
+                                  QStringLiteral("Noto Sans Mono"), QStringLiteral("-fs"),
                                   QStringLiteral("12"), QStringLiteral("-e"),
                                   QStringLiteral("echo; echo '   %1.'; sleep 900").arg(phrase)});
         terminalWindow = desktop.waitForWindow(QStringLiteral("pixels"));

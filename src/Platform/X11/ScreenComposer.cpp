@@ -46,8 +46,8 @@ public:
     QImage takeImage(QSize size)
     {
         uchar *bytes = std::exchange(m_bytes, nullptr);
-        return {bytes, size.width(), size.height(), QImage::Format_RGB32,
-                [](void *memory) { shmdt(memory); }, bytes};
+        return {bytes, size.width(), size.height(), QImage::Format_RGB32, [](void *memory) { shmdt(memory); },
+                bytes};
     }
 
 private:
@@ -70,8 +70,7 @@ public:
         xcb_create_pixmap(connection, pixelDepth, pixmap, root, uint16_t(area.width()),
                           uint16_t(area.height()));
         xcb_render_create_picture(connection, picture, pixmap, format, 0, nullptr);
-        const xcb_rectangle_t all{0, 0, uint16_t(area.width()), uint16_t(area.height())};
-        xcb_render_fill_rectangles(connection, XCB_RENDER_PICT_OP_SRC, picture, {0, 0, 0, 0xffff}, 1, &all);
+        clear(area);
     }
     ~Canvas()
     {
@@ -81,6 +80,17 @@ public:
     }
     Canvas(const Canvas &) = delete;
 
+    /// Rectangles of the desktop.
+    void clear(const QRect &rect) const
+    {
+        const QRect part = rect.intersected(area).translated(-area.topLeft());
+        if (part.isEmpty())
+            return;
+        const xcb_rectangle_t rectangle{int16_t(part.x()), int16_t(part.y()), uint16_t(part.width()),
+                                        uint16_t(part.height())};
+        xcb_render_fill_rectangles(m_connection, XCB_RENDER_PICT_OP_SRC, picture, {0, 0, 0, 0xffff}, 1,
+                                   &rectangle);
+    }
     /// Draws all of a picture whose top-left corner is at `origin` on the desktop.
     void draw(xcb_render_picture_t source, QPoint origin, uint8_t operation) const
     {
@@ -112,8 +122,8 @@ ScreenComposer::ScreenComposer(XcbSession &session)
     const auto composite = xcb_composite_query_version(connection, 0, 4);
     const auto render = xcb_render_query_version(connection, 0, 11);
     const auto fixes = xcb_xfixes_query_version(connection, 5, 0);
-    const auto formats = session.reply<xcb_render_query_pict_formats_reply_t>(
-        xcb_render_query_pict_formats(connection));
+    const auto formats =
+        session.reply<xcb_render_query_pict_formats_reply_t>(xcb_render_query_pict_formats(connection));
     for (const unsigned sequence : {composite.sequence, render.sequence, fixes.sequence})
         xcb_discard_reply(connection, sequence);
     if (!formats)
@@ -149,7 +159,8 @@ xcb_render_pictformat_t ScreenComposer::formatOf(xcb_visualid_t visual) const
     return it == m_formats.end() ? 0 : it->second;
 }
 
-QImage ScreenComposer::compose(const QRect &area, const QList<StackedWindow> &windows)
+QImage ScreenComposer::compose(const QRect &area, const QList<StackedWindow> &windows,
+                               const std::function<bool(const StackedWindow &)> &isLeftOut)
 {
     if (!isPossible() || area.isEmpty())
         return {};
@@ -158,9 +169,15 @@ QImage ScreenComposer::compose(const QRect &area, const QList<StackedWindow> &wi
     QImage image;
     {
         const Canvas canvas(connection, m_session.root(), m_pixels, area);
-        drawBackground(canvas);
+        const bool hasWallpaper = drawWallpaper(canvas);
+        if (!hasWallpaper)
+            drawRoot(canvas);
         for (const StackedWindow &window : windows) {
-            if (window.outline.intersects(area))
+            if (!hasWallpaper && isLeftOut(window))
+                canvas.clear(window.outline); // the root window's pixels may be this window's
+        }
+        for (const StackedWindow &window : windows) {
+            if (window.outline.intersects(area) && !isLeftOut(window))
                 drawWindow(canvas, window, blends);
         }
         image = read(canvas);
@@ -179,22 +196,33 @@ bool ScreenComposer::isCompositing()
     return owner && owner->owner != XCB_WINDOW_NONE;
 }
 
-/// The root window shows its background only where no window is; programs that set a wallpaper tell where it
-/// is as a whole.
-void ScreenComposer::drawBackground(const Canvas &canvas)
+/// What programs that set a wallpaper leave for others. False where there is none.
+bool ScreenComposer::drawWallpaper(const Canvas &canvas)
 {
     auto *connection = m_session.connection();
-    const xcb_render_pictformat_t format = formatOf(m_rootVisual);
-    const auto wallpaper = propertyItems(
-        m_session.reply(m_session.requestProperty(m_session.root(), m_session.atom("_XROOTPMAP_ID"))).get());
-    const auto geometry = wallpaper.isEmpty() ? nullptr
-                                              : m_session.reply<xcb_get_geometry_reply_t>(xcb_get_geometry(
-                                                    connection, wallpaper.first()));
-    const bool isTile = geometry && geometry->depth == m_rootDepth;
+    const auto property =
+        m_session.reply(m_session.requestProperty(m_session.root(), m_session.atom("_XROOTPMAP_ID"), 1));
+    const QList<quint32> items = propertyItems(property.get());
+    if (items.isEmpty())
+        return false;
+    const auto geometry =
+        m_session.reply<xcb_get_geometry_reply_t>(xcb_get_geometry(connection, items.first()));
+    if (!geometry || geometry->depth != m_rootDepth)
+        return false;
     const auto source = xcb_generate_id(connection);
-    const uint32_t repeat = isTile ? XCB_RENDER_REPEAT_NORMAL : XCB_RENDER_REPEAT_NONE;
-    xcb_render_create_picture(connection, source, isTile ? wallpaper.first() : m_session.root(), format,
-                              XCB_RENDER_CP_REPEAT, &repeat);
+    const uint32_t repeat = XCB_RENDER_REPEAT_NORMAL;
+    xcb_render_create_picture(connection, source, items.first(), formatOf(m_rootVisual), XCB_RENDER_CP_REPEAT,
+                              &repeat);
+    canvas.draw(source, {0, 0}, XCB_RENDER_PICT_OP_SRC);
+    xcb_render_free_picture(connection, source);
+    return true;
+}
+
+void ScreenComposer::drawRoot(const Canvas &canvas)
+{
+    auto *connection = m_session.connection();
+    const auto source = xcb_generate_id(connection);
+    xcb_render_create_picture(connection, source, m_session.root(), formatOf(m_rootVisual), 0, nullptr);
     canvas.draw(source, {0, 0}, XCB_RENDER_PICT_OP_SRC);
     xcb_render_free_picture(connection, source);
 }

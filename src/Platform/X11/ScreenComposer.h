@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <functional>
+#include <map>
+
 #include <QImage>
 #include <QRect>
 
@@ -20,15 +23,17 @@ public:
 
     /// Whether the server has what it takes.
     bool isPossible() const { return m_pixels != 0; }
-    /// The area (device pixels of the desktop), the windows from the lowest to the highest. A null image when
-    /// the server does not answer in the session's time or has no memory. What goes wrong with one window
-    /// leaves only that window out.
-    QImage compose(const QRect &area, const QList<StackedWindow> &windows);
+    /// The area (device pixels of the desktop), the windows from the lowest to the highest, without those
+    /// left out. A null image when the server does not answer in the session's time or has no memory. What
+    /// goes wrong with one window leaves only that window out.
+    QImage compose(const QRect &area, const QList<StackedWindow> &windows,
+                   const std::function<bool(const StackedWindow &)> &isLeftOut);
 
 private:
     class Canvas;
 
-    void drawBackground(const Canvas &canvas);
+    bool drawWallpaper(const Canvas &canvas);
+    void drawRoot(const Canvas &canvas);
     void drawWindow(const Canvas &canvas, const StackedWindow &window, bool blends);
     bool isCompositing();
     QImage read(const Canvas &canvas);

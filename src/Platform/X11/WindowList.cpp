@@ -27,12 +27,18 @@ bool isCurtain(const XcbSession &session, xcb_window_t windowManager, const Stac
            window.outline.contains(QRect(QPoint(), desktop));
 }
 
-QList<StackedWindow> visibleWindows(XcbSession &session)
+/// A window of the window manager's; 0 where none says so.
+xcb_window_t windowManagerOf(XcbSession &session)
+{
+    const auto check = propertyItems(
+        session.reply(session.requestProperty(session.root(), session.atom("_NET_SUPPORTING_WM_CHECK")))
+            .get());
+    return check.isEmpty() ? 0 : check.first();
+}
+
+QList<StackedWindow> visibleWindows(XcbSession &session, xcb_window_t windowManager)
 {
     auto *connection = session.connection();
-    const auto check = propertyItems(
-        session.reply(session.requestProperty(session.root(), session.atom("_NET_SUPPORTING_WM_CHECK"))).get());
-    const xcb_window_t windowManager = check.isEmpty() ? 0 : check.first();
     const auto desktop =
         session.reply<xcb_get_geometry_reply_t>(xcb_get_geometry(connection, session.root()));
     const auto tree = session.reply<xcb_query_tree_reply_t>(xcb_query_tree(connection, session.root()));
@@ -58,11 +64,11 @@ QList<StackedWindow> visibleWindows(XcbSession &session)
             continue;
         const int border = geometry->border_width;
         const StackedWindow window{.id = question.id,
-                        .client = question.id,
-                        .visual = attributes->visual,
-                        .outline = {geometry->x, geometry->y, geometry->width + 2 * border,
-                                    geometry->height + 2 * border},
-                        .borderWidth = border};
+                                   .client = question.id,
+                                   .visual = attributes->visual,
+                                   .outline = {geometry->x, geometry->y, geometry->width + 2 * border,
+                                               geometry->height + 2 * border},
+                                   .borderWidth = border};
         if (attributes->_class == XCB_WINDOW_CLASS_INPUT_OUTPUT)
             windows.append(window);
         else if (isCurtain(session, windowManager, window, {desktop->width, desktop->height}))
@@ -71,8 +77,9 @@ QList<StackedWindow> visibleWindows(XcbSession &session)
     return windows;
 }
 
-/// Looks for the clients inside frames, level by level; a client carries the window manager's mark.
-void findClients(XcbSession &session, QList<StackedWindow> &windows)
+/// Looks for the clients inside frames, level by level. A client carries the window manager's mark; a window
+/// of ours may be on the screen a moment before it does, and is told from our icon in somebody's tray.
+void findClients(XcbSession &session, QList<StackedWindow> &windows, quint32 own)
 {
     struct Candidate
     {
@@ -81,6 +88,14 @@ void findClients(XcbSession &session, QList<StackedWindow> &windows)
     };
     auto *connection = session.connection();
     const xcb_atom_t mark = session.atom("WM_STATE");
+    const xcb_atom_t embedding = session.atom("_XEMBED_INFO");
+    const auto has = [&session](xcb_window_t window, xcb_atom_t property) {
+        const auto reply = session.reply(session.requestProperty(window, property, 0));
+        return reply && reply->type != XCB_ATOM_NONE;
+    };
+    const auto isOurs = [&](xcb_window_t window) {
+        return session.isSameClient(window, own) && has(window, XCB_ATOM_WM_CLASS) && !has(window, embedding);
+    };
     std::vector<Candidate> level;
     for (StackedWindow &window : windows)
         level.push_back({&window, window.id});
@@ -99,7 +114,7 @@ void findClients(XcbSession &session, QList<StackedWindow> &windows)
             const auto tree = session.reply<xcb_query_tree_reply_t>(trees[i]);
             if (found[top])
                 continue;
-            if (property && property->type != XCB_ATOM_NONE) {
+            if ((property && property->type != XCB_ATOM_NONE) || isOurs(id)) {
                 top->client = id;
                 found[top] = true;
             } else if (tree) {
@@ -122,8 +137,7 @@ void findProcesses(XcbSession &session, QList<StackedWindow> &windows)
     std::map<xcb_window_t, xcb_res_query_client_ids_cookie_t> questions; // by client window
     for (const StackedWindow &window : windows) {
         const xcb_res_client_id_spec_t question{window.client, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
-        questions.try_emplace(window.client,
-                              xcb_res_query_client_ids(session.connection(), 1, &question));
+        questions.try_emplace(window.client, xcb_res_query_client_ids(session.connection(), 1, &question));
     }
     std::map<xcb_window_t, qint64> processes;
     for (const auto &[client, cookie] : questions)
@@ -134,10 +148,14 @@ void findProcesses(XcbSession &session, QList<StackedWindow> &windows)
 
 } // namespace
 
-QList<StackedWindow> stackedWindows(XcbSession &session)
+QList<StackedWindow> stackedWindows(XcbSession &session, quint32 own)
 {
-    QList<StackedWindow> windows = visibleWindows(session);
-    findClients(session, windows);
+    const xcb_window_t windowManager = windowManagerOf(session);
+    QList<StackedWindow> windows = visibleWindows(session, windowManager);
+    findClients(session, windows, own);
+    windows.removeIf([&](const StackedWindow &window) {
+        return windowManager && session.isSameClient(window.client, windowManager);
+    });
     findProcesses(session, windows);
     return windows;
 }

@@ -19,7 +19,9 @@ struct StackedWindow
     int borderWidth = 0; ///< device pixels
 };
 
-/// All visible windows, the lowest first. A few round trips, however many windows there are.
-QList<StackedWindow> stackedWindows(XcbSession &session);
+/// All visible windows, the lowest first, without those that belong to the window manager alone: a frame is
+/// there a moment before its program's window is inside. A few round trips, however many windows there are.
+/// `own` is a resource of this program's.
+QList<StackedWindow> stackedWindows(XcbSession &session, quint32 own);
 
 } // namespace tovi

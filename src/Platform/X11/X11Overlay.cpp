@@ -30,6 +30,7 @@ public:
         setAttribute(Qt::WA_OpaquePaintEvent, !compositing);
         setAttribute(Qt::WA_QuitOnClose, false);
         m_content->setParent(this);
+        m_content->setFocus();
     }
 
     /// Shown where the content paints nothing.

@@ -71,9 +71,9 @@ public:
     QImage capture(const ContentFilter &filter, const StreamConfiguration &configuration)
     {
         const QRect area = nativeRect(filter, configuration);
-        QList<StackedWindow> shown = windows();
-        shown.removeIf([&filter](const StackedWindow &window) { return isLeftOut(window, filter); });
-        const QImage image = m_link->composer->compose(area, shown);
+        const QList<StackedWindow> all = windows();
+        const QImage image = m_link->composer->compose(
+            area, all, [&filter](const StackedWindow &window) { return isLeftOut(window, filter); });
         if (image.isNull())
             throw error("the display server gave no picture");
         if (image.size() == configuration.size)
@@ -100,7 +100,7 @@ private:
             m_link.reset();
             throw error("the display server refuses to compose windows");
         }
-        QList<StackedWindow> list = stackedWindows(session);
+        QList<StackedWindow> list = stackedWindows(session, m_ownWindow);
         // The server may count processes from elsewhere (a container); ours we know.
         for (StackedWindow &window : list) {
             if (session.isSameClient(window.client, m_ownWindow))
@@ -124,6 +124,7 @@ X11ScreenCapture::X11ScreenCapture()
         return;
     xcb_discard_reply(connection, xcb_composite_query_version(connection, 0, 4).sequence);
     xcb_composite_redirect_subwindows(connection, QtXcb::root(), XCB_COMPOSITE_REDIRECT_AUTOMATIC);
+    xcb_flush(connection);
 }
 
 X11ScreenCapture::~X11ScreenCapture() = default;

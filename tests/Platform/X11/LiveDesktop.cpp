@@ -40,6 +40,15 @@ LiveDesktop::LiveDesktop()
             qFatal("no window manager");
         usleep(2000);
     }
+    // A window that comes while it starts may be overlooked for ever.
+    const xcb_window_t probe = xcb_generate_id(session.connection());
+    xcb_create_window(session.connection(), XCB_COPY_FROM_PARENT, probe, session.root(), 0, 0, 10, 10, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    const xcb_atom_t state = session.atom("WM_STATE");
+    while (propertyItems(session.reply(session.requestProperty(probe, state)).get()).isEmpty()) {
+        xcb_map_window(session.connection(), probe);
+        usleep(10000);
+    }
 }
 
 LiveDesktop::~LiveDesktop()

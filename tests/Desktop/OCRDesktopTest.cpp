@@ -1,51 +1,218 @@
 // SPDX-License-Identifier: MIT
-// Reads text off the screen with real keys, a real pointer and real applications.
+// Reads text off the screen with real keys, a real pointer and a real application.
 #include "Desktop/ProgramFixture.h"
 
 namespace tovi {
 namespace {
 
-const QString phrase = QStringLiteral("The river is still rising");
+const QString translation = QStringLiteral("El río todavía está ascendiendo");
+const QString noText = QStringLiteral("No text recognized.");
 
 class OCRDesktop : public ProgramDesktop
 {
 protected:
     using ProgramDesktop::ProgramDesktop;
 
-    void SetUp() override
+    /// A terminal: text that nobody selected, in a window that tells it to nobody.
+    void start(const QJsonObject &settings = {})
     {
-        ProgramDesktop::SetUp();
-        writeDemoSettings(desktop);
+        writeDemoSettings(desktop, QJsonArray{onDeviceEngine()}, settings);
         startProgram();
-        terminal = desktop.start(QStringLiteral("xterm"),
-                                 {QStringLiteral("-T"), QStringLiteral("pixels"), QStringLiteral("-geometry"),
-                                  QStringLiteral("60x12+100+100"), QStringLiteral("-fa"),
-                                  QStringLiteral("Noto Sans Mono"), QStringLiteral("-fs"),
-                                  QStringLiteral("12"), QStringLiteral("-e"),
-                                  QStringLiteral("echo; echo '   %1.'; sleep 900").arg(phrase)});
-        terminalWindow = desktop.waitForWindow(QStringLiteral("pixels"));
-        ASSERT_TRUE(terminalWindow);
+        const QStringList options{QStringLiteral("-T"),
+                                  QStringLiteral("pixels"),
+                                  QStringLiteral("-geometry"),
+                                  QStringLiteral("60x20+100+100"),
+                                  QStringLiteral("-fa"),
+                                  QStringLiteral("Noto Sans Mono"),
+                                  QStringLiteral("-fs"),
+                                  QStringLiteral("12"),
+                                  QStringLiteral("-e"),
+                                  QStringLiteral("printf '\\033[?25l\\n   %1\\n'; sleep 900").arg(sentence)};
+        ASSERT_TRUE(desktop.start(QStringLiteral("xterm"), options));
+        const xcb_window_t window = desktop.waitForWindow(QStringLiteral("pixels"));
+        ASSERT_TRUE(window);
+        terminal = desktop.geometry(window);
+        line = {terminal.topLeft() + QPoint(10, 15), QSize(330, 40)};
+        blank = {terminal.topLeft() + QPoint(10, 250), QSize(300, 60)};
+        ASSERT_TRUE(
+            DesktopSession::eventually([&] { return darkest(desktop.screenshot().copy(line)) < 60; }));
+    }
+    static int darkest(const QImage &image)
+    {
+        int least = 255;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x)
+                least = std::min(least, qGray(image.pixel(x, y)));
+        }
+        return least;
+    }
+    static int brightest(QImage image)
+    {
+        image.invertPixels();
+        return 255 - darkest(image);
+    }
+    static QStringList manyLines(int column)
+    {
+        const QString text = QStringLiteral(
+            "for i in $(seq 40); do echo quick brown foxes jump over $i lazy dogs; done; sleep 900");
+        return {QStringLiteral("-T"),        QStringLiteral("many"),
+                QStringLiteral("-geometry"), QStringLiteral("50x40+%1+0").arg(320 * column),
+                QStringLiteral("-e"),        text};
+    }
+    bool pin()
+    {
+        for (const AccessibleTree::Node &node : AccessibleTree::read(tovi->processId())) {
+            if (node.name == QLatin1String("Pin") && !node.extents.isEmpty())
+                desktop.click(node.extents.center());
+        }
+        return true;
+    }
+    bool isDimmed(QPoint point) { return qGray(desktop.screenshot().pixel(point)) < 200; }
+    bool overlayComes()
+    {
+        return DesktopSession::eventually([&] { return isDimmed(blank.center()); });
+    }
+    bool overlayGoes()
+    {
+        return DesktopSession::eventually([&] { return !isDimmed(blank.center()); });
+    }
+    bool select(const QRect &region)
+    {
+        desktop.pressKeyTimed(XK_s, XK_Alt_L);
+        if (!overlayComes())
+            return false;
+        desktop.drag(region.topLeft(), region.topLeft() + QPoint(region.width(), region.height()));
+        return true;
+    }
+    QStringList words()
+    {
+        QStringList all;
+        for (const AccessibleTree::Node &node : AccessibleTree::read(tovi->processId())) {
+            if (!node.extents.isEmpty())
+                all << node.name << node.text;
+        }
+        return all;
+    }
+    bool says(const QString &part)
+    {
+        return DesktopSession::eventually([&] { return words().join(QLatin1Char('\n')).contains(part); });
+    }
+    /// Closes the panel that shows something.
+    bool close()
+    {
+        desktop.pressKey(XK_Escape);
+        return DesktopSession::eventually([&] { return words().isEmpty(); });
     }
 
-    QProcess *terminal = nullptr;
-    xcb_window_t terminalWindow = 0;
+    QRect terminal, line, blank;
 };
 
-TEST_F(OCRDesktop, ADraggedRegionIsReadAndTranslated)
+class OCRWithCompositor : public OCRDesktop, public testing::WithParamInterface<bool>
 {
-    const QRect window = desktop.geometry(terminalWindow);
-    DesktopSession::rest(std::chrono::seconds(1));
-    desktop.screenshot().save(QStringLiteral("/tmp/ocr0.png"));
+protected:
+    OCRWithCompositor()
+        : OCRDesktop({.compositor = GetParam()})
+    {}
+};
+INSTANTIATE_TEST_SUITE_P(, OCRWithCompositor, testing::Bool());
+
+TEST_P(OCRWithCompositor, ADraggedRegionIsReadAndTranslated)
+{
+    start();
+    ASSERT_TRUE(select(line));
+    EXPECT_TRUE(says(sentence) && says(translation));
+    // The panel stays over the text: it is not in the next picture, which must read the same.
+    desktop.pressKey(XK_p, {XK_Control_L});
+    ASSERT_TRUE(close());
+
+    // Too narrow for a drag, so what is around the end of it is read.
+    ASSERT_TRUE(select({line.center() - QPoint(7, 180), QSize(7, 200)}));
+    EXPECT_TRUE(says(QStringLiteral("river is still")));
+    ASSERT_TRUE(close());
+
+    ASSERT_TRUE(select(blank));
+    EXPECT_TRUE(says(noText));
+    ASSERT_TRUE(close());
+
+    // Leaving, and starting over while the overlay holds the keyboard.
+    for (const bool byKey : {true, false}) {
+        desktop.pressKeyTimed(XK_s, XK_Alt_L);
+        ASSERT_TRUE(overlayComes());
+        if (byKey)
+            desktop.pressKey(XK_Escape);
+        else
+            desktop.click(blank.center(), 1, 3);
+        EXPECT_TRUE(overlayGoes());
+    }
     desktop.pressKeyTimed(XK_s, XK_Alt_L);
-    DesktopSession::rest(std::chrono::seconds(1));
-    desktop.screenshot().save(QStringLiteral("/tmp/ocr1.png"));
-    desktop.movePointer(window.topLeft() + QPoint(5, 5));
-    desktop.drag(window.topLeft() + QPoint(5, 5), window.topLeft() + QPoint(400, 80));
-    DesktopSession::rest(std::chrono::milliseconds(300));
-    desktop.screenshot().save(QStringLiteral("/tmp/ocr2.png"));
-    EXPECT_TRUE(shows(phrase));
-    DesktopSession::rest(std::chrono::seconds(3));
-    desktop.screenshot().save(QStringLiteral("/tmp/ocr3.png"));
+    ASSERT_TRUE(overlayComes());
+    ASSERT_TRUE(select(line));
+    EXPECT_TRUE(overlayGoes());
+    EXPECT_TRUE(says(sentence));
+}
+
+TEST_F(OCRDesktop, TheAreaAroundThePointerIsRead)
+{
+    start({{QStringLiteral("ocrRegionSelection"), false}});
+    desktop.movePointer(line.center());
+    desktop.pressKeyTimed(XK_s, XK_Alt_L);
+    EXPECT_TRUE(says(sentence) && says(translation));
+    // The pinned panel's own texts stand beside the line now; none of them is read.
+    ASSERT_TRUE(pin());
+    desktop.movePointer(line.center());
+    desktop.pressKeyTimed(XK_s, XK_Alt_L);
+    ASSERT_TRUE(DesktopSession::eventually([&] { return shownTexts().count(sentence) == 2; }));
+}
+
+TEST_F(OCRDesktop, IsTheLastResortOfTheSelectionShortcut)
+{
+    start();
+    desktop.movePointer(line.center());
+    desktop.pressKeyTimed(XK_d, XK_Alt_L);
+    const auto captured = trace.next("captured");
+    ASSERT_TRUE(captured);
+    EXPECT_TRUE(says(sentence) && says(translation));
+}
+
+/// Two displays, the second one left of the primary one.
+TEST_F(OCRDesktop, EveryDisplayHasItsOverlay)
+{
+    const auto monitor = [this](const QString &name, const QString &geometry, const QString &output) {
+        QProcess *xrandr =
+            desktop.start(QStringLiteral("xrandr"), {QStringLiteral("--setmonitor"), name, geometry, output});
+        return xrandr && xrandr->waitForFinished();
+    };
+    ASSERT_TRUE(
+        monitor(QStringLiteral("LEFT"), QStringLiteral("640/170x900/240+0+0"), QStringLiteral("none")));
+    ASSERT_TRUE(
+        monitor(QStringLiteral("*RIGHT"), QStringLiteral("640/170x900/240+640+0"), QStringLiteral("screen")));
+    start();
+    desktop.pressKeyTimed(XK_s, XK_Alt_L);
+    ASSERT_TRUE(overlayComes());
+    const QImage screen = desktop.screenshot();
+    // Each has its hint in its middle.
+    EXPECT_GT(brightest(screen.copy(100, 440, 440, 20)), 230);
+    EXPECT_GT(brightest(screen.copy(740, 440, 440, 20)), 230);
+    desktop.drag(line.topLeft(), line.bottomRight());
+    EXPECT_TRUE(says(sentence) && says(translation));
+}
+
+TEST_F(OCRDesktop, ClosingTheProgressPanelAbandons)
+{
+    start();
+    // Much to read takes long enough to be left.
+    for (int i = 0; i < 4; ++i) {
+        ASSERT_TRUE(desktop.start(QStringLiteral("xterm"), manyLines(i)));
+    }
+    ASSERT_TRUE(desktop.waitForWindow(QStringLiteral("many")));
+    ASSERT_TRUE(select(QRect(0, 0, 1279, 899)));
+    EXPECT_TRUE(says(QStringLiteral("Recognizing text (OCR)")));
+    EXPECT_TRUE(says(QStringLiteral("0 s")));
+    ASSERT_TRUE(close());
+    // Whatever was read of it would be here before this.
+    ASSERT_TRUE(select(line));
+    EXPECT_TRUE(says(sentence));
+    EXPECT_EQ(shownTexts().filter(sentence).size(), 1);
 }
 
 } // namespace

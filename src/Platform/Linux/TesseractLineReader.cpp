@@ -10,7 +10,9 @@ namespace {
 constexpr double sure = 0.85;           ///< a reading that needs no second one
 constexpr double surelyOneScript = 0.9; ///< the same, where another script reads the line nearly as well
 constexpr double plausible = 0.6;       ///< below it a line is in quite another language
-constexpr double clearLead = 0.05;      ///< before an unlikely language is believed
+constexpr double barelyText = 0.5;      ///< below it a line is an ornament or a photograph
+constexpr int longWord = 12;
+constexpr double clearLead = 0.05; ///< before an unlikely language is believed
 /// The data for Traditional Chinese read Simplified too, and sometimes more surely, but write it their way.
 constexpr double traditionalLead = 0.07;
 constexpr double englishLead = 0.07; ///< what another language's reading of Latin letters has to be surer by
@@ -245,6 +247,21 @@ TesseractReading TesseractLineReader::read(const QString &likely, const QImage &
     for (const QString &language : m_languages)
         add(language);
     return best(readings, clearLead);
+}
+
+bool isText(const TesseractReading &reading)
+{
+    double sum = 0;
+    qsizetype length = 0;
+    for (const TesseractReading::Word &word : reading.words) {
+        // The library is as sure of a word as of its worst letter, which says little about an address.
+        const double confidence =
+            word.text.size() >= longWord ? std::max(word.confidence, sure) : word.confidence;
+        sum += confidence * double(word.text.size());
+        length += word.text.size();
+    }
+    return length > 0 && sum / double(length) >= barelyText &&
+           hasAny(reading.text(), [](QChar c) { return c.isLetterOrNumber(); });
 }
 
 namespace {

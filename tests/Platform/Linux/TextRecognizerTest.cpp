@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <QPainter>
+#include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -90,6 +91,27 @@ TEST_F(TextRecognizerTest, readsColumnsOneAfterTheOther)
                             QStringLiteral("first right line"), QStringLiteral("second right line")));
 }
 
+TEST_F(TextRecognizerTest, readsWhatIsFramed)
+{
+    QImage image = blank({720, 260}, QColor(0xee, 0xee, 0xee));
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    for (int i = 0; i < 2; ++i) {
+        painter.setBrush(i == 0 ? QColor(0x1a, 0x73, 0xe8) : QColor(0xd9, 0x30, 0x25));
+        painter.drawRoundedRect(20 + i * 150, 40, 130, 34, 6, 6);
+    }
+    painter.setPen(QColor(0xaa, 0xaa, 0xaa));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(330, 44, 80, 26);
+    painter.end();
+    write(image, {40, 62}, {QStringLiteral("Save changes")}, Qt::white);
+    write(image, {200, 62}, {QStringLiteral("删除文件")}, Qt::white);
+    write(image, {340, 62}, {QStringLiteral("924.94")});
+    EXPECT_THAT(read(image), ElementsAre(QStringLiteral("Save changes"), QStringLiteral("删除文件"),
+                                         QStringLiteral("924.94")));
+}
+
 TEST_F(TextRecognizerTest, findsNothingWhereNothingIsWritten)
 {
     EXPECT_TRUE(read(QImage()).isEmpty());
@@ -98,6 +120,16 @@ TEST_F(TextRecognizerTest, findsNothingWhereNothingIsWritten)
     QImage frame = blank({720, 260});
     QPainter(&frame).drawRect(10, 10, 600, 200);
     EXPECT_TRUE(read(frame).isEmpty());
+    QRandomGenerator random(7);
+    for (const QSize grain : {QSize(720, 260), QSize(360, 130), QSize(90, 33)}) {
+        QImage noise(grain, QImage::Format_RGB32);
+        for (int y = 0; y < grain.height(); ++y) {
+            for (int x = 0; x < grain.width(); ++x)
+                noise.setPixel(x, y, random.generate());
+        }
+        EXPECT_TRUE(read(noise.scaled(720, 260, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)).isEmpty())
+            << grain.width();
+    }
 }
 
 TEST_F(TextRecognizerTest, readsAHugePicture)

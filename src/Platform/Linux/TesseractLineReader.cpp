@@ -7,14 +7,14 @@ namespace tovi {
 
 namespace {
 
-constexpr double sure = 0.85;           ///< a reading that needs no second one
-constexpr double surelyOneScript = 0.9; ///< the same, where another script reads the line nearly as well
-constexpr double plausible = 0.6;       ///< below it a line is in quite another language
-constexpr double barelyText = 0.5;      ///< below it a line is an ornament or a photograph
+constexpr double sure = 0.85;            ///< a reading that needs no second one
+constexpr double surelyOneScript = 0.93; ///< the same, where another script reads the line nearly as well
+constexpr double plausible = 0.6;        ///< below it a line is in quite another language
+constexpr double barelyText = 0.5;       ///< below it a line is an ornament or a photograph
 constexpr int longWord = 12;
 constexpr double clearLead = 0.05; ///< before an unlikely language is believed
 /// The data for Traditional Chinese read Simplified too, and sometimes more surely, but write it their way.
-constexpr double traditionalLead = 0.07;
+constexpr double traditionalLead = 0.05;
 constexpr double englishLead = 0.07; ///< what another language's reading of Latin letters has to be surer by
 constexpr int nearby = 4; ///< pixels of a line's picture that readings differ about where a word is
 const QString simplifiedChinese = QStringLiteral("chi_sim");

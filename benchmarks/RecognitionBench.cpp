@@ -120,12 +120,17 @@ Reading command(const QString &file, bool onOneThread)
             .milliseconds = double(timer.nsecsElapsed()) / 1e6};
 }
 
-double residentMegabytes()
+/// What the kernel says of this process: VmRSS is what it holds, VmHWM the most it ever held.
+double megabytes(const QByteArray &field)
 {
-    QFile file(QStringLiteral("/proc/self/statm"));
+    QFile file(QStringLiteral("/proc/self/status"));
     if (!file.open(QIODevice::ReadOnly))
         return 0;
-    return file.readAll().split(' ').value(1).toDouble() * 4096 / 1048576;
+    for (const QByteArray &line : file.readAll().split('\n')) {
+        if (line.startsWith(field + ':'))
+            return line.mid(field.size() + 1).simplified().split(' ').first().toDouble() / 1024;
+    }
+    return 0;
 }
 
 void printErrors(const char *what, const Result &result)
@@ -150,15 +155,15 @@ void benchRecognition(quint32 seed, const QString &textFile)
         return;
     LinuxClock clock;
     TesseractRecognizer recognizer(clock);
-    const double before = residentMegabytes();
+    const double before = megabytes("VmRSS");
     const Reading first = ours(recognizer, pictures.first().image);
     std::printf("  %-58s %9.0f ms, %.0f MB\n", "first recognition", first.milliseconds,
-                residentMegabytes() - before);
+                megabytes("VmRSS") - before);
     // So that engines of every language are warm.
     for (const TextKind kind : allTextKinds)
         ours(recognizer, makeTextPicture(kind, seed + 1000).image);
-    std::printf("  %-58s %9.0f MB in %d engines\n", "warm", residentMegabytes() - before,
-                recognizer.warmEngines());
+    std::printf("  %-58s %9.0f MB in %d engines, %.0f MB at most\n", "warm", megabytes("VmRSS") - before,
+                recognizer.warmEngines(), megabytes("VmHWM") - before);
 
     Result mine;
     Result plain;

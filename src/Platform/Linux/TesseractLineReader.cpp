@@ -7,14 +7,26 @@ namespace tovi {
 
 namespace {
 
-constexpr double sure = 0.85;      ///< a reading that needs no second one
-constexpr double doubtful = 0.7;   ///< a word that may be none of the language
-constexpr double clearLead = 0.07; ///< before the less likely of the two Chinese scripts is believed
+constexpr double sure = 0.85;            ///< a reading that needs no second one
+constexpr double surelyOneScript = 0.93; ///< the same, where another script reads the line nearly as well
+constexpr double plausible = 0.6;        ///< below it a line is in quite another language
+constexpr double barelyText = 0.5;       ///< below it a line is an ornament or a photograph
+constexpr int longWord = 12;
+constexpr double clearLead = 0.05; ///< before an unlikely language is believed
 /// The data for Traditional Chinese read Simplified too, and sometimes more surely, but write it their way.
-constexpr double traditionalHandicap = 0.03;
-constexpr int nearby = 12; ///< pixels of a line's picture that readings differ about where a word is
+constexpr double traditionalLead = 0.05;
+constexpr double englishLead = 0.07; ///< what another language's reading of Latin letters has to be surer by
+constexpr int nearby = 4; ///< pixels of a line's picture that readings differ about where a word is
+const QString simplifiedChinese = QStringLiteral("chi_sim");
 const QString traditionalChinese = QStringLiteral("chi_tra");
+const QString japanese = QStringLiteral("jpn");
+const QString korean = QStringLiteral("kor");
 const QString latin = QStringLiteral("eng");
+
+bool isKana(QChar c)
+{
+    return c.unicode() > 0x3040 && c.unicode() <= 0x30ff;
+}
 
 bool isIdeographic(QChar c)
 {
@@ -23,32 +35,236 @@ bool isIdeographic(QChar c)
            (code >= 0xf900 && code <= 0xfaff) || code >= 0xff00;
 }
 
-bool isHangul(QChar c)
+bool isSyllable(QChar c)
 {
-    return (c.unicode() >= 0xac00 && c.unicode() <= 0xd7a3) ||
-           (c.unicode() >= 0x3131 && c.unicode() <= 0x318e);
+    return c.unicode() >= 0xac00 && c.unicode() <= 0xd7a3;
 }
 
-bool hasWideLetters(const QString &text)
+/// What the Korean data make of the strokes of Latin letters.
+bool isStrayStroke(QChar c)
 {
-    return std::any_of(text.begin(), text.end(), [](QChar c) { return isIdeographic(c) || isHangul(c); });
+    static constexpr QStringView brackets = u"『』「」《》\\";
+    return (c.unicode() >= 0x3131 && c.unicode() <= 0x318e) || brackets.contains(c);
+}
+
+bool isWide(QChar c)
+{
+    return isIdeographic(c) || isSyllable(c) || isStrayStroke(c);
+}
+
+template <class Predicate>
+bool hasAny(const QString &text, Predicate predicate)
+{
+    return std::any_of(text.begin(), text.end(), predicate);
 }
 
 bool isChinese(const QString &language)
 {
-    return language.startsWith(QLatin1String("chi_"));
+    return language == simplifiedChinese || language == traditionalChinese;
 }
 
-/// Neighbouring words as one with the mean of their confidences.
-TesseractReading::Word joined(const QList<TesseractReading::Word> &words)
+TesseractReading part(const TesseractReading &reading, qsizetype begin, qsizetype end)
 {
-    TesseractReading part;
-    part.words = words;
-    return {.text = part.text(),
-            .confidence = part.confidence(),
-            .begin = words.first().begin,
-            .end = words.last().end};
+    return {.language = reading.language, .words = reading.words.mid(begin, end - begin)};
 }
+
+/// Of the words in the language's own script alone: all data know Latin letters. Of all, if it has none.
+double scriptConfidence(const TesseractReading &reading)
+{
+    TesseractReading own{.language = reading.language, .words = {}};
+    for (const TesseractReading::Word &word : reading.words) {
+        if (hasAny(word.text, isWide))
+            own.words << word;
+    }
+    return own.words.isEmpty() ? reading.confidence() : own.confidence();
+}
+
+/// Of the letters that the other reading does not have; 1 if there are none.
+double confidenceOfOwn(const TesseractReading &reading, const TesseractReading &other)
+{
+    const QString text = other.text();
+    double sum = 0;
+    qsizetype count = 0;
+    for (const TesseractReading::Word &word : reading.words) {
+        const qsizetype own = std::count_if(word.text.begin(), word.text.end(), [&](QChar c) {
+            return c.unicode() >= 0x3400 && isIdeographic(c) && !text.contains(c);
+        });
+        sum += word.confidence * double(own);
+        count += own;
+    }
+    return count ? sum / double(count) : 1;
+}
+
+bool isTraditional(const TesseractReading &simplified, const TesseractReading &traditional, double lead)
+{
+    return confidenceOfOwn(traditional, simplified) - confidenceOfOwn(simplified, traditional) > lead;
+}
+
+bool hasLatinWords(const TesseractReading &reading)
+{
+    return std::any_of(reading.words.begin(), reading.words.end(), [&](const TesseractReading::Word &word) {
+        const bool mayBeLatin =
+            !hasAny(word.text, isWide) || (reading.language == korean && hasAny(word.text, isStrayStroke));
+        return mayBeLatin && hasAny(word.text, [](QChar c) { return c.isLetterOrNumber(); });
+    });
+}
+
+/// Whether the English reading of a stretch of a line is better than the other language's.
+bool isBetter(const TesseractReading &english, const TesseractReading &own)
+{
+    const QString text = own.text();
+    if (!hasAny(english.text(), [](QChar c) { return c.isLetterOrNumber(); }))
+        return false;
+    if (own.language != korean)
+        return !hasAny(text, isWide) && english.confidence() > own.confidence();
+    if (hasAny(text, isStrayStroke))
+        return english.confidence() > (hasAny(text, isSyllable) ? sure : plausible);
+    // These data know digits, and read letters as such.
+    const bool hasLetters = hasAny(english.text(), [](QChar c) { return c.isLetter(); });
+    return !hasAny(text, isSyllable) && english.confidence() > (hasLetters ? plausible : own.confidence());
+}
+
+/// The line between its ends and the blanks that both readings see, each stretch by the better one.
+TesseractReading withWordsOf(const TesseractReading &english, const TesseractReading &reading)
+{
+    TesseractReading merged{.language = reading.language, .words = {}};
+    qsizetype begin = 0;
+    qsizetype englishBegin = 0;
+    const auto add = [&](qsizetype end, qsizetype englishEnd) {
+        const TesseractReading own = part(reading, begin, end);
+        const TesseractReading other = part(english, englishBegin, englishEnd);
+        if (!other.words.isEmpty() && isBetter(other, own)) {
+            const qsizetype first = merged.words.size();
+            merged.words << other.words;
+            merged.words[first].hasBlankBefore |= own.words.first().hasBlankBefore;
+        } else {
+            merged.words << own.words;
+        }
+        begin = end;
+        englishBegin = englishEnd;
+    };
+    for (qsizetype i = 1; i < reading.words.size(); ++i) {
+        const TesseractReading::Word &before = reading.words[i - 1];
+        const TesseractReading::Word &word = reading.words[i];
+        if (!word.hasBlankBefore && !(hasAny(before.text, isWide) && word.text.front().isLetterOrNumber()))
+            continue;
+        // Letters without blanks between them overlap.
+        const int gapBegin = std::min(before.end, word.begin) - nearby;
+        const int gapEnd = std::max(before.end, word.begin) + nearby;
+        for (qsizetype k = englishBegin + 1; k < english.words.size(); ++k) {
+            if (english.words[k - 1].end <= gapEnd && english.words[k].begin >= gapBegin) {
+                add(i, k);
+                break;
+            }
+        }
+    }
+    if (!reading.words.isEmpty())
+        add(reading.words.size(), english.words.size());
+    return merged;
+}
+
+} // namespace
+
+TesseractReading TesseractLineReader::best(const QList<TesseractReading> &readings, double lead)
+{
+    const auto find = [&](const QString &language) {
+        return std::find_if(readings.begin(), readings.end(),
+                            [&](const TesseractReading &reading) { return reading.language == language; });
+    };
+    const auto none = readings.end();
+    const auto english = find(latin);
+    const auto simplified = find(simplifiedChinese);
+    const auto traditional = find(traditionalChinese);
+    QString otherScript;
+    if (simplified != none && traditional != none) {
+        const QString likely = readings.first().language;
+        double toBeat = traditionalLead + (likely == simplifiedChinese ? lead : 0);
+        if (likely == traditionalChinese && lead > 0)
+            toBeat = 0;
+        otherScript =
+            isTraditional(*simplified, *traditional, toBeat) ? simplifiedChinese : traditionalChinese;
+    }
+    TesseractReading best;
+    double bestScore = 0;
+    for (const TesseractReading &plain : readings) {
+        if (plain.language == latin || plain.language == otherScript)
+            continue;
+        const TesseractReading reading =
+            english != none && hasLatinWords(plain) ? withWordsOf(*english, plain) : plain;
+        const bool isLikely = plain.language == readings.first().language ||
+                              (isChinese(plain.language) && otherScript == readings.first().language);
+        const double score = scriptConfidence(reading) + (isLikely ? lead : 0);
+        if (score > bestScore) {
+            best = reading;
+            bestScore = score;
+        }
+    }
+    if (english == none)
+        return best;
+    // All data know Latin letters, but only one knows words of them.
+    const double latinLead = hasAny(best.text(), isWide) ? 0 : englishLead;
+    return english->confidence() > best.confidence() - latinLead ? *english : best;
+}
+
+bool TesseractLineReader::isSure(const TesseractReading &reading)
+{
+    const double confidence = scriptConfidence(reading);
+    const QString text = reading.text();
+    if (isChinese(reading.language))
+        return confidence >= surelyOneScript;
+    // Ideographs alone are as likely Chinese, and kana or syllables are nothing else.
+    if (reading.language == japanese)
+        return hasAny(text, isKana) ? confidence >= plausible : confidence >= sure && !hasAny(text, isWide);
+    return confidence >= sure || (reading.language == korean && confidence >= plausible);
+}
+
+TesseractReading TesseractLineReader::read(const QString &likely, const QImage &line)
+{
+    QList<TesseractReading> readings;
+    const auto add = [&](const QString &language) {
+        const bool isRead = std::any_of(readings.begin(), readings.end(), [&](const TesseractReading &known) {
+            return known.language == language;
+        });
+        if (isRead || !m_languages.contains(language))
+            return;
+        if (const auto reading = m_engines.read(language, line))
+            readings << *reading;
+    };
+    add(likely);
+    if (!readings.isEmpty() && hasLatinWords(readings.first()))
+        add(latin);
+    TesseractReading reading = best(readings);
+    if (isSure(reading))
+        return reading;
+    const bool isOfIdeographs = isChinese(reading.language) || reading.language == japanese;
+    if (isOfIdeographs && scriptConfidence(reading) >= plausible) {
+        add(simplifiedChinese);
+        add(traditionalChinese);
+        reading = best(readings, clearLead);
+        if (scriptConfidence(reading) >= sure)
+            return reading;
+    }
+    for (const QString &language : m_languages)
+        add(language);
+    return best(readings, clearLead);
+}
+
+bool isText(const TesseractReading &reading)
+{
+    double sum = 0;
+    qsizetype length = 0;
+    for (const TesseractReading::Word &word : reading.words) {
+        // The library is as sure of a word as of its worst letter, which says little about an address.
+        const double confidence =
+            word.text.size() >= longWord ? std::max(word.confidence, sure) : word.confidence;
+        sum += confidence * double(word.text.size());
+        length += word.text.size();
+    }
+    return length > 0 && sum / double(length) >= barelyText &&
+           hasAny(reading.text(), [](QChar c) { return c.isLetterOrNumber(); });
+}
+
+namespace {
 
 QChar wideForm(QChar c)
 {
@@ -56,103 +272,7 @@ QChar wideForm(QChar c)
     return narrow.contains(c) ? QChar(c.unicode() + 0xfee0) : c;
 }
 
-/// The Korean data read Latin words as syllables, but badly.
-bool mayBeLatin(const TesseractReading::Word &word)
-{
-    return !hasWideLetters(word.text) || word.confidence < doubtful;
-}
-
-bool hasLatinWords(const TesseractReading &reading)
-{
-    return std::any_of(reading.words.begin(), reading.words.end(), [](const TesseractReading::Word &word) {
-        return mayBeLatin(word) &&
-               std::any_of(word.text.begin(), word.text.end(), [](QChar c) { return c.isLetterOrNumber(); });
-    });
-}
-
-/// The words of the English reading where they stand for Latin words of the other and are surer.
-TesseractReading withWordsOf(const TesseractReading &english, const TesseractReading &reading)
-{
-    TesseractReading merged{.language = reading.language, .words = {}};
-    for (qsizetype i = 0; i < reading.words.size();) {
-        qsizetype end = i;
-        while (end < reading.words.size() && mayBeLatin(reading.words[end]))
-            ++end;
-        if (end == i) {
-            merged.words << reading.words[i++];
-            continue;
-        }
-        const TesseractReading::Word own = joined(reading.words.mid(i, end - i));
-        QList<TesseractReading::Word> replacement;
-        for (const TesseractReading::Word &word : english.words) {
-            const int middle = (word.begin + word.end) / 2;
-            if (middle >= own.begin && middle <= own.end)
-                replacement << word;
-        }
-        const bool isSame = !replacement.isEmpty() &&
-                            std::abs(replacement.first().begin - own.begin) < nearby &&
-                            std::abs(replacement.last().end - own.end) < nearby;
-        const double toBeat = hasWideLetters(own.text) ? sure : own.confidence;
-        if (isSame && joined(replacement).confidence > toBeat) {
-            replacement.first().hasBlankBefore = reading.words[i].hasBlankBefore;
-            merged.words << replacement;
-        } else {
-            merged.words << reading.words.mid(i, end - i);
-        }
-        i = end;
-    }
-    return merged;
-}
-
 } // namespace
-
-TesseractReading TesseractLineReader::best(const QList<TesseractReading> &readings, double leadOfOtherScript)
-{
-    const auto english = std::find_if(readings.begin(), readings.end(), [](const TesseractReading &reading) {
-        return reading.language == latin;
-    });
-    TesseractReading best;
-    double bestScore = 0;
-    for (const TesseractReading &plain : readings) {
-        const bool isMixed = english != readings.end() && plain.language != latin && hasLatinWords(plain);
-        const TesseractReading reading = isMixed ? withWordsOf(*english, plain) : plain;
-        const double score =
-            reading.confidence() - (reading.language == traditionalChinese ? traditionalHandicap : 0);
-        const bool isOtherScript = isChinese(best.language) && isChinese(reading.language);
-        if (score > bestScore + (isOtherScript ? leadOfOtherScript : 0)) {
-            best = reading;
-            bestScore = score;
-        }
-    }
-    // All data know Latin letters, but only one knows words of them.
-    const bool isLatin = english != readings.end() && !best.words.isEmpty() && !hasWideLetters(best.text()) &&
-                         english->confidence() > best.confidence() - clearLead;
-    return isLatin ? *english : best;
-}
-
-TesseractReading TesseractLineReader::read(const QString &likely, const QImage &line)
-{
-    QList<TesseractReading> readings;
-    const auto add = [&](const QString &language) {
-        if (const auto reading = m_engines.read(language, line))
-            readings << *reading;
-    };
-    add(likely);
-    if (likely != latin && m_languages.contains(latin) && !readings.isEmpty() &&
-        hasLatinWords(readings.first()))
-        add(latin);
-    const TesseractReading reading = best(readings);
-    if (reading.confidence() >= sure)
-        return reading;
-    for (const QString &language : m_languages) {
-        const bool isRead = std::any_of(readings.begin(), readings.end(), [&](const TesseractReading &known) {
-            return known.language == language;
-        });
-        if (!isRead)
-            add(language);
-    }
-    return best(readings, clearLead);
-}
 
 QString tidyText(const TesseractReading &reading)
 {

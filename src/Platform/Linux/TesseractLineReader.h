@@ -22,14 +22,19 @@ public:
 
     /// Reads a line that is probably in one language; the others are tried where that reads badly.
     TesseractReading read(const QString &likely, const QImage &line);
-    /// The best of readings of one line, each by another language; an empty one of none. Where the first is
-    /// in one of the two Chinese scripts, the other one has to be so much better to be believed.
-    static TesseractReading best(const QList<TesseractReading> &readings, double leadOfOtherScript = 0);
+    /// The best of readings of one line, each by another language; an empty one of none. The first language
+    /// is the likely one: others have to be surer by the lead.
+    static TesseractReading best(const QList<TesseractReading> &readings, double lead = 0);
 
 private:
+    static bool isSure(const TesseractReading &reading);
+
     TesseractEngines &m_engines;
     const QStringList m_languages;
 };
+
+/// Whether it is a reading of text at all, not of an ornament or a photograph.
+bool isText(const TesseractReading &reading);
 
 /// The reading's text as it stood on the screen: without blanks between ideographs, and with the wide
 /// punctuation that the library's data do not know.

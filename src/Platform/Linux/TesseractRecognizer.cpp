@@ -93,7 +93,7 @@ public:
         for (qsizetype i = 0; i < boxes.size(); ++i) {
             const TesseractReading &reading = readings[size_t(i)];
             const QString text = tidyText(reading);
-            if (!text.isEmpty())
+            if (isText(reading))
                 texts << RecognizedText{.text = text, .confidence = reading.confidence(), .box = boxes[i]};
         }
         return texts;

@@ -11,8 +11,13 @@ namespace {
 
 constexpr int edgeStep = 28;       ///< of 255: fainter steps are shading, not text
 constexpr int longestStroke = 100; ///< pixels; what is longer is a border or an underline
-constexpr int smallestLine = 5;    ///< pixels of height
-constexpr double gutter = 1.8;     ///< of a line's height: a gap so wide separates columns
+constexpr int narrowestFrame = 40; ///< pixels of a button or a cell
+constexpr int lowestFrame = 14;
+constexpr int frameWidth = 3;
+constexpr int frameCorner = 8;
+constexpr int lowestBlock = 20; ///< pixels of lines that touch
+constexpr int smallestLine = 5; ///< pixels of height
+constexpr double gutter = 1.8;  ///< of a line's height: a gap so wide separates columns
 
 struct Span
 {
@@ -38,22 +43,40 @@ public:
                 at(x, y) = std::abs(row[x] - right) > edgeStep || std::abs(row[x] - below[x]) > edgeStep;
             }
         }
+        findParts();
         dropLongStrokes(m_height, m_width, [this](int line, int i) -> uchar & { return at(i, line); });
         dropLongStrokes(m_width, m_height, [this](int line, int i) -> uchar & { return at(line, i); });
     }
 
     QRect bounds() const { return {0, 0, m_width, m_height}; }
 
-    /// Parts of a rectangle's rows (or columns) that have ink.
-    std::vector<Span> inkedRows(const QRect &rect) const
+    /// Most connected strokes in a rectangle are lower, as ideographs have many; 0 without any.
+    int letterHeight(const QRect &rect) const
+    {
+        std::vector<int> heights;
+        for (const QRect &part : m_parts) {
+            if (part.height() >= smallestLine && rect.contains(part))
+                heights.push_back(part.height());
+        }
+        if (heights.empty())
+            return 0;
+        const auto high = heights.begin() + std::ptrdiff_t(heights.size() * 9 / 10);
+        std::nth_element(heights.begin(), high, heights.end());
+        return *high;
+    }
+
+    std::vector<int> inkOfRows(const QRect &rect) const
     {
         std::vector<int> counts(size_t(rect.height()));
         for (int y = 0; y < rect.height(); ++y) {
             const uchar *row = &m_edges[size_t(rect.y() + y) * size_t(m_width) + size_t(rect.x())];
             counts[size_t(y)] = int(std::count(row, row + rect.width(), 1));
         }
-        return spans(counts, rect.y());
+        return counts;
     }
+
+    /// Parts of a rectangle's rows (or columns) that have ink.
+    std::vector<Span> inkedRows(const QRect &rect) const { return spans(inkOfRows(rect), rect.y()); }
     std::vector<Span> inkedColumns(const QRect &rect) const
     {
         std::vector<int> counts(size_t(rect.width()));
@@ -66,7 +89,71 @@ public:
     }
 
 private:
-    uchar &at(int x, int y) { return m_edges[size_t(y) * size_t(m_width) + size_t(x)]; }
+    size_t index(int x, int y) const { return size_t(y) * size_t(m_width) + size_t(x); }
+    uchar &at(int x, int y) { return m_edges[index(x, y)]; }
+
+    /// Finds connected strokes; those that frame something, as buttons and cells do, go.
+    void findParts()
+    {
+        std::vector<uchar> isLeft = m_edges;
+        std::vector<QPoint> part;
+        for (int y = 0; y < m_height; ++y) {
+            for (int x = 0; x < m_width; ++x) {
+                if (!isLeft[index(x, y)])
+                    continue;
+                const QRect box = takePart({x, y}, isLeft, part);
+                if (isFrame(box, part))
+                    dropFrame(box, part);
+                else
+                    m_parts.push_back(box);
+            }
+        }
+    }
+
+    /// What is inside stays: selected text may touch the selection's edge.
+    void dropFrame(const QRect &box, const std::vector<QPoint> &part)
+    {
+        const QRect inside = box.adjusted(frameWidth, frameWidth, -frameWidth, -frameWidth);
+        const QRect upright = box.adjusted(frameCorner, 0, -frameCorner, 0);
+        const QRect flat = box.adjusted(0, frameCorner, 0, -frameCorner);
+        for (const QPoint point : part) {
+            if (!inside.contains(point) || !(upright.contains(point) || flat.contains(point)))
+                at(point.x(), point.y()) = 0;
+        }
+    }
+
+    QRect takePart(QPoint start, std::vector<uchar> &isLeft, std::vector<QPoint> &part) const
+    {
+        part.assign(1, start);
+        isLeft[index(start.x(), start.y())] = 0;
+        QRect box(start, QSize(1, 1));
+        for (size_t i = 0; i < part.size(); ++i) {
+            const QPoint point = part[i];
+            box |= QRect(point, QSize(1, 1));
+            for (int y = std::max(point.y() - 1, 0); y <= std::min(point.y() + 1, m_height - 1); ++y) {
+                for (int x = std::max(point.x() - 1, 0); x <= std::min(point.x() + 1, m_width - 1); ++x) {
+                    if (isLeft[index(x, y)]) {
+                        isLeft[index(x, y)] = 0;
+                        part.emplace_back(x, y);
+                    }
+                }
+            }
+        }
+        return box;
+    }
+
+    /// Straight at the top and at the bottom.
+    static bool isFrame(const QRect &box, const std::vector<QPoint> &part)
+    {
+        if (box.width() < narrowestFrame || box.height() < lowestFrame)
+            return false;
+        std::vector<int> rows(size_t(box.height()));
+        for (const QPoint point : part)
+            ++rows[size_t(point.y() - box.y())];
+        const auto isStraight = [&](int count) { return count * 10 >= box.width() * 8; };
+        return std::any_of(rows.begin(), rows.begin() + 3, isStraight) &&
+               std::any_of(rows.end() - 3, rows.end(), isStraight);
+    }
 
     template <class At>
     void dropLongStrokes(int lines, int length, At edge)
@@ -104,6 +191,7 @@ private:
     int m_width;
     int m_height;
     std::vector<uchar> m_edges;
+    std::vector<QRect> m_parts;
 };
 
 class LineFinder
@@ -135,6 +223,29 @@ private:
         const auto low = heights.begin() + std::ptrdiff_t(heights.size() / 3);
         std::nth_element(heights.begin(), low, heights.end());
         return *low;
+    }
+
+    /// Where lines that touch each other part: rows with the least ink, about a letter's height apart.
+    std::vector<Span> linesOf(const QRect &rect, const Span &block) const
+    {
+        const QRect part = rowRect(rect, block.begin, block.end);
+        const int letter = m_edges.letterHeight(part);
+        if (letter == 0 || block.length() < lowestBlock || block.length() * 2 < letter * 5)
+            return {block};
+        const std::vector<int> ink = m_edges.inkOfRows(part);
+        std::vector<Span> lines;
+        int begin = 0;
+        for (int y = letter; y + letter <= block.length(); ++y) {
+            const auto around = ink.begin() + y;
+            const int most = *std::max_element(around - letter, around + letter);
+            const bool isLeast = *std::min_element(around - letter / 2, around + letter / 2) == *around;
+            if (isLeast && *around * 3 < most && y - begin >= letter) {
+                lines.push_back({block.begin + begin, block.begin + y});
+                begin = y;
+            }
+        }
+        lines.push_back({block.begin + begin, block.end});
+        return lines;
     }
 
     /// Dots and marks that stand alone belong to the line they are nearest to.
@@ -190,7 +301,7 @@ private:
                 end = next + 1;
             }
             if (columns.empty()) {
-                addLine(rowRect(rect, rows[i].begin, rows[i].end));
+                addLines(rowRect(rect, rows[i].begin, rows[i].end));
                 ++i;
                 continue;
             }
@@ -198,12 +309,18 @@ private:
                 const QRect part(column.begin, rows[i].begin, column.length(),
                                  rows[end - 1].end - rows[i].begin);
                 if (columnsOf(part, m_lineHeight).size() == 1 && rowsOf(part).size() == 1)
-                    addLine(part);
+                    addLines(part);
                 else
                     split(part);
             }
             i = end;
         }
+    }
+
+    void addLines(const QRect &rect)
+    {
+        for (const Span &line : linesOf(rect, {rect.top(), rect.bottom() + 1}))
+            addLine(rowRect(rect, line.begin, line.end));
     }
 
     void addLine(const QRect &rect)

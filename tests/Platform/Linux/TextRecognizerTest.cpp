@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <QPainter>
+#include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -90,6 +91,27 @@ TEST_F(TextRecognizerTest, readsColumnsOneAfterTheOther)
                             QStringLiteral("first right line"), QStringLiteral("second right line")));
 }
 
+TEST_F(TextRecognizerTest, readsWhatIsFramed)
+{
+    QImage image = blank({720, 260}, QColor(0xee, 0xee, 0xee));
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    for (int i = 0; i < 2; ++i) {
+        painter.setBrush(i == 0 ? QColor(0x1a, 0x73, 0xe8) : QColor(0xd9, 0x30, 0x25));
+        painter.drawRoundedRect(20 + i * 150, 40, 130, 34, 6, 6);
+    }
+    painter.setPen(QColor(0xaa, 0xaa, 0xaa));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(330, 44, 80, 26);
+    painter.end();
+    write(image, {40, 62}, {QStringLiteral("Save changes")}, Qt::white);
+    write(image, {200, 62}, {QStringLiteral("删除文件")}, Qt::white);
+    write(image, {340, 62}, {QStringLiteral("924.94")});
+    EXPECT_THAT(read(image), ElementsAre(QStringLiteral("Save changes"), QStringLiteral("删除文件"),
+                                         QStringLiteral("924.94")));
+}
+
 TEST_F(TextRecognizerTest, findsNothingWhereNothingIsWritten)
 {
     EXPECT_TRUE(read(QImage()).isEmpty());
@@ -98,6 +120,16 @@ TEST_F(TextRecognizerTest, findsNothingWhereNothingIsWritten)
     QImage frame = blank({720, 260});
     QPainter(&frame).drawRect(10, 10, 600, 200);
     EXPECT_TRUE(read(frame).isEmpty());
+    QRandomGenerator random(7);
+    for (const QSize grain : {QSize(720, 260), QSize(360, 130), QSize(90, 33)}) {
+        QImage noise(grain, QImage::Format_RGB32);
+        for (int y = 0; y < grain.height(); ++y) {
+            for (int x = 0; x < grain.width(); ++x)
+                noise.setPixel(x, y, random.generate());
+        }
+        EXPECT_TRUE(read(noise.scaled(720, 260, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)).isEmpty())
+            << grain.width();
+    }
 }
 
 TEST_F(TextRecognizerTest, readsAHugePicture)
@@ -192,20 +224,31 @@ TEST(TesseractLineReader, choosesTheLanguageThatReadsBest)
         {"English where there is nothing else",
          {reading("kor", {word("0pen", 0.93)}), reading("eng", {word("Open", 0.9)})},
          QStringLiteral("Open")},
-        {"Traditional only with a lead",
-         {reading("chi_sim", {word("中文", 0.90)}), reading("chi_tra", {word("中丈", 0.92)})},
-         QStringLiteral("中文")},
+        {"Traditional only where its own letters are surer",
+         {reading("chi_tra", {word("中", 0.9), word("車", 0.9)}),
+          reading("chi_sim", {word("中", 0.5), word("车", 0.86)})},
+         QStringLiteral("中 车")},
+        {"and then however sure Simplified is of those they share",
+         {reading("chi_sim", {word("中", 0.97), word("车", 0.6)}),
+          reading("chi_tra", {word("中", 0.7), word("車", 0.95)})},
+         QStringLiteral("中 車")},
         {"Latin words of the English reading",
          {reading("kor", {word("616", 0.5, 10, 60), word("키를", 0.95, 70, 120)}),
-          reading("eng", {word("Enter", 0.9, 11, 58), word("Fe", 0.4, 70, 121)})},
+          reading("eng", {word("Enter", 0.9, 11, 58), word("Fe", 0.9, 70, 121)})},
          QStringLiteral("Enter 키를")},
         {"but not where its words end elsewhere",
          {reading("kor", {word("3", 0.5, 10, 20), word("판에는", 0.95, 20, 120)}),
           reading("eng", {word("3ITO", 0.6, 9, 121)})},
          QStringLiteral("3 판에는")},
+        {"stretch by stretch",
+         {reading("jpn",
+                  {word("word", 0.9, 0, 50), word("旅行", 0.9, 60, 100), word("ofthe", 0.8, 110, 150)}),
+          reading("eng", {word("word", 0.95, 0, 50), word("iit#7", 0.3, 61, 100), word("of", 0.96, 110, 125),
+                          word("the", 0.96, 132, 150)})},
+         QStringLiteral("word 旅行 of the")},
     };
     for (const Case &c : cases)
-        EXPECT_EQ(TesseractLineReader::best(c.readings, 0.07).text(), c.text) << c.what;
+        EXPECT_EQ(TesseractLineReader::best(c.readings).text(), c.text) << c.what;
 }
 
 TEST(TesseractLineReader, writesPunctuationAsItsNeighbours)

@@ -150,15 +150,33 @@ std::optional<TesseractReading> TesseractEngines::read(const QString &language, 
 
 void TesseractEngines::endIdle(Clock::Duration idle)
 {
+    const Clock::Time limit = m_clock.now() - idle;
+    end([limit](const Engine &engine) { return engine.lastUse <= limit; });
+    const std::scoped_lock lock(m_mutex);
+    m_missing.clear();
+}
+
+void TesseractEngines::endIdleDoubles(Clock::Duration idle)
+{
+    QSet<QString> kept;
+    end([limit = m_clock.now() - idle, &kept](const Engine &engine) {
+        if (engine.lastUse > limit || !kept.contains(engine.language)) {
+            kept << engine.language;
+            return false;
+        }
+        return true;
+    });
+}
+
+void TesseractEngines::end(const std::function<bool(const Engine &)> &isOver)
+{
     std::vector<Engine> ended;
     {
         const std::scoped_lock lock(m_mutex);
-        const Clock::Time limit = m_clock.now() - idle;
-        const auto kept = std::partition(m_resting.begin(), m_resting.end(),
-                                         [&](const Engine &engine) { return engine.lastUse > limit; });
-        ended.assign(kept, m_resting.end());
-        m_resting.erase(kept, m_resting.end());
-        m_missing.clear();
+        const auto over =
+            std::stable_partition(m_resting.begin(), m_resting.end(), std::not_fn(std::cref(isOver)));
+        ended.assign(over, m_resting.end());
+        m_resting.erase(over, m_resting.end());
     }
     for (const Engine &engine : ended)
         m_library.destroy(engine.api);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -49,6 +50,8 @@ public:
 
     /// Ends those that have done nothing for so long, and looks for missing data anew.
     void endIdle(Clock::Duration idle);
+    /// Of those, only the ones that have another of their language resting beside them.
+    void endIdleDoubles(Clock::Duration idle);
     int count() const;
 
 private:
@@ -59,6 +62,7 @@ private:
         Clock::Time lastUse;
     };
 
+    void end(const std::function<bool(const Engine &)> &isOver);
     TessBaseAPI *take(const QString &language);
     void giveBack(const QString &language, TessBaseAPI *api);
     QList<TesseractReading::Word> words(TessBaseAPI *api) const;

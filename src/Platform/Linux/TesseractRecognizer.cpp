@@ -161,7 +161,7 @@ struct TesseractRecognizer::Shared
     const QString dataFolder;
     mutable std::mutex mutex;
     std::unique_ptr<TesseractEngines> made; // under the mutex
-    Subscription cleaning;                  // main thread
+    Subscription cleaning[2];               // main thread
 };
 
 TesseractRecognizer::TesseractRecognizer(Clock &clock, const QString &dataFolder)
@@ -175,7 +175,8 @@ TesseractRecognizer::~TesseractRecognizer()
 {
     m_end.request_stop();
     m_pool.waitForDone();
-    m_shared->cleaning = {};
+    for (Subscription &cleaning : m_shared->cleaning)
+        cleaning.reset();
     const std::scoped_lock lock(m_shared->mutex);
     m_shared->made.reset();
 }
@@ -190,13 +191,17 @@ QFuture<QList<RecognizedText>> TesseractRecognizer::recognize(TextRecognitionReq
         const auto shared = weak.lock();
         if (!shared)
             return;
-        shared->cleaning = shared->clock.after(warmTime, [pool, weak] {
-            pool->start([weak] {
-                const auto shared = weak.lock();
-                if (TesseractEngines *engines = shared ? shared->engines() : nullptr)
-                    engines->endIdle(warmTime);
+        const auto after = [&](Clock::Duration time, void (TesseractEngines::*end)(Clock::Duration)) {
+            return shared->clock.after(time, [pool, weak, time, end] {
+                pool->start([weak, time, end] {
+                    const auto shared = weak.lock();
+                    if (TesseractEngines *engines = shared ? shared->engines() : nullptr)
+                        (engines->*end)(time);
+                });
             });
-        });
+        };
+        shared->cleaning[0] = after(doublesWarmTime, &TesseractEngines::endIdleDoubles);
+        shared->cleaning[1] = after(warmTime, &TesseractEngines::endIdle);
     };
     m_pool.start([this, promise, cleanLater, end = m_end.get_token(), request = std::move(request)] {
         auto work = [&] {

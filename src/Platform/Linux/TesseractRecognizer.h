@@ -17,8 +17,10 @@ class TesseractEngines;
 class TesseractRecognizer final : public TextRecognizer
 {
 public:
-    /// Making an engine costs 40 to 100 ms, keeping one costs 16 to 50 MB: whoever reads one region after the
-    /// other finds them warm, and two minutes after the last use of each it is gone.
+    /// Making an engine costs 40 to 100 ms, keeping one 16 to 50 MB, and there may be two of each language:
+    /// whoever reads one region after the other finds them warm, a while later one of a language is left, and
+    /// two minutes after its last use that is gone, too.
+    static constexpr Clock::Duration doublesWarmTime = std::chrono::seconds(15);
     static constexpr Clock::Duration warmTime = std::chrono::minutes(2);
 
     /// Without a folder the data are where the library looks for them.

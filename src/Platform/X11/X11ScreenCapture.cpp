@@ -58,7 +58,8 @@ public:
     ShareableContent content()
     {
         ShareableContent content;
-        for (const Screen &screen : ScreenGeometry::current().screens())
+        const ScreenGeometry geometry = ScreenGeometry::current();
+        for (const Screen &screen : geometry.screens())
             content.displays << screen.displayNumber;
         for (const StackedWindow &window : windows()) {
             content.windows.append({window.id, window.processIdentifier});

@@ -158,10 +158,12 @@ TEST_F(TextRecognizerTest, endsEnginesThatNobodyUses)
     write(image, {10, 25}, {QStringLiteral("warm engines")});
     EXPECT_EQ(m_clock.pendingActions(), 0);
     read(image);
-    ASSERT_TRUE(waitUntil([&] { return m_clock.pendingActions() == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return m_clock.pendingActions() == 2; }));
     EXPECT_GE(m_recognizer.warmEngines(), 5);
+    m_clock.advance(TesseractRecognizer::doublesWarmTime);
+    EXPECT_TRUE(waitUntil([&] { return m_recognizer.warmEngines() == 5; }));
     m_clock.advance(TesseractRecognizer::warmTime / 2);
-    EXPECT_GE(m_recognizer.warmEngines(), 5);
+    EXPECT_EQ(m_recognizer.warmEngines(), 5);
     m_clock.advance(TesseractRecognizer::warmTime / 2);
     EXPECT_TRUE(waitUntil([&] { return m_recognizer.warmEngines() == 0; }));
     EXPECT_THAT(read(image), ElementsAre(QStringLiteral("warm engines")));

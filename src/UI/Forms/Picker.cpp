@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: MIT
+#include "UI/Forms/Picker.h"
+
+#include <cmath>
+
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QPainter>
+
+#include "UI/Controls/MenuPresenter.h"
+#include "UI/Controls/SystemColor.h"
+#include "UI/Controls/SystemSymbol.h"
+#include "UI/Forms/FormStyle.h"
+#include "UI/Forms/KeyboardFocus.h"
+
+namespace tovi {
+
+namespace {
+
+constexpr int side = 10;
+constexpr int chevronWidth = 10;
+constexpr int gap = 7;
+constexpr double iconSide = 16;
+constexpr int longestWidth = 260;
+
+} // namespace
+
+Picker::Picker(QWidget *parent)
+    : QComboBox(parent)
+    , m_focus(new KeyboardFocus(this))
+{
+    setFont(FormStyle::font(FormStyle::bodySize));
+    setAttribute(Qt::WA_Hover);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setFocusPolicy(Qt::StrongFocus);
+    connect(this, &QComboBox::currentIndexChanged, this, &QWidget::updateGeometry);
+}
+
+void Picker::addEntry(const QString &title, const QString &tag, const IconImage &image)
+{
+    m_images.append(image);
+    addItem(title, tag);
+}
+
+void Picker::setTag(const QString &tag)
+{
+    setPlaceholderText(tag);
+    setCurrentIndex(findData(tag));
+    updateGeometry();
+    update();
+}
+
+void Picker::onPick(std::function<void(const QString &)> picked)
+{
+    connect(this, &QComboBox::activated, this, [this, picked = std::move(picked)](int index) {
+        if (index >= 0 && index < count())
+            picked(itemData(index).toString());
+    });
+}
+
+void Picker::showPopup()
+{
+    if (!isVisible() || !isEnabled())
+        return;
+    auto menu = MenuPresenter::makeMenu();
+    menu->setMinimumWidth(width());
+    QAction *active = nullptr;
+    for (int i = 0; i < count(); ++i) {
+        QAction *action = menu->addAction(MenuPresenter::literalTitle(itemText(i)));
+        action->setCheckable(true);
+        action->setChecked(i == currentIndex());
+        action->setIcon(m_images.value(i).icon());
+        connect(action, &QAction::triggered, this, [this, i] {
+            setCurrentIndex(i);
+            Q_EMIT activated(i);
+        });
+        if (!active || action->isChecked())
+            active = action;
+    }
+    connect(menu.get(), &QMenu::aboutToHide, this, [this] { update(); });
+    QMenu *shown = MenuPresenter::popUp(std::move(menu), *this, QPoint(0, height() + 2));
+    if (m_focus->isShown() && active)
+        shown->setActiveAction(active);
+}
+
+QSize Picker::sizeHint() const
+{
+    return {std::min(widthFor(shownTitle()), longestWidth), std::max(fontMetrics().height() + 6, 26)};
+}
+
+QSize Picker::minimumSizeHint() const
+{
+    return sizeHint();
+}
+
+void Picker::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter)
+        QComboBox::keyPressEvent(event);
+    else if (!event->isAutoRepeat())
+        showPopup();
+}
+
+void Picker::mousePressEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton)
+        showPopup();
+    else
+        event->ignore();
+}
+
+void Picker::wheelEvent(QWheelEvent *event)
+{
+    // The wheel scrolls the form; it must not change what the pointer happens to pass.
+    event->ignore();
+}
+
+void Picker::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(FormStyle::controlFill(palette(), isEnabled() && underMouse()));
+    painter.drawRoundedRect(QRectF(rect()), FormStyle::controlRadius, FormStyle::controlRadius);
+
+    const QColor color = isEnabled() ? SystemColor::label(palette()) : SystemColor::disabledLabel(palette());
+    double x = side;
+    if (const IconImage image = shownImage()) {
+        image.paint(painter, QRectF(x, (height() - iconSide) / 2, iconSide, iconSide), color);
+        x += iconSide + gap;
+    }
+    const QRectF room(x, 0, width() - x - gap - chevronWidth - side, height());
+    painter.setPen(color);
+    painter.setFont(font());
+    painter.drawText(
+        room, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+        fontMetrics().elidedText(shownTitle(), Qt::ElideRight, static_cast<int>(room.width()) + 1));
+    SystemSymbol::image(QStringLiteral("chevron.up.chevron.down"), 10, IconWeight::semibold)
+        .paint(painter, QRectF(width() - side - chevronWidth, 0, chevronWidth, height()), color);
+    if (m_focus->isShown())
+        FormStyle::paintFocusRing(painter, QRectF(rect()), FormStyle::controlRadius, palette());
+}
+
+int Picker::widthFor(const QString &title) const
+{
+    const double icon = shownImage() ? iconSide + gap : 0;
+    return static_cast<int>(std::ceil(QFontMetricsF(font()).horizontalAdvance(title) + icon)) + 1 + 2 * side +
+           gap + chevronWidth;
+}
+
+IconImage Picker::shownImage() const
+{
+    return m_images.value(currentIndex());
+}
+
+} // namespace tovi

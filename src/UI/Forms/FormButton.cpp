@@ -29,9 +29,24 @@ QSize FormButton::sizeHint() const
     return {width + 2 * side, height};
 }
 
+bool FormButton::event(QEvent *event)
+{
+    // Asked first, a shortcut of the window does not get the key.
+    if (event->type() == QEvent::ShortcutOverride && takes(static_cast<QKeyEvent *>(event)->key())) {
+        event->accept();
+        return true;
+    }
+    return QPushButton::event(event);
+}
+
+bool FormButton::takes(int key) const
+{
+    return (key == Qt::Key_Return || key == Qt::Key_Enter) && m_focus->isShown();
+}
+
 void FormButton::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
+    if (!takes(event->key())) {
         QPushButton::keyPressEvent(event);
         return;
     }

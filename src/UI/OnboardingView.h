@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+
+#include <QWidget>
+
+namespace tovi {
+
+/// What the program needs to be allowed, told to a new user.
+class OnboardingView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit OnboardingView(std::function<void()> onFinish, QWidget *parent = nullptr);
+};
+
+} // namespace tovi

@@ -2,6 +2,7 @@
 #include "UI/OnboardingView.h"
 
 #include <QBoxLayout>
+#include <QEvent>
 #include <QKeySequence>
 #include <QPainter>
 #include <QShortcut>
@@ -67,8 +68,9 @@ OnboardingView::OnboardingView(std::function<void()> onFinish, QWidget *parent)
     auto *subtitle = new FormLabel(FormLabel::Role::caption, t(Str::onboardingSubtitle));
     subtitle->setFont(FormStyle::font(subtitleSize));
     subtitle->setAlignment(Qt::AlignHCenter);
-    subtitle->setFixedWidth(subtitleWidth);
-    column->addWidget(subtitle, 0, Qt::AlignHCenter);
+    const int side = (viewWidth - 2 * padding - subtitleWidth) / 2;
+    subtitle->setContentsMargins(side, 0, side, 0);
+    column->addWidget(subtitle);
 
     auto *box = new Box;
     auto *boxColumn = new QVBoxLayout(box);
@@ -94,6 +96,14 @@ OnboardingView::OnboardingView(std::function<void()> onFinish, QWidget *parent)
         connect(new QShortcut(QKeySequence(key), this), &QShortcut::activated, finish,
                 &QAbstractButton::click);
     setFocusProxy(finish);
+}
+
+bool OnboardingView::event(QEvent *event)
+{
+    // The window is as high as the wrapped texts; by themselves windows do not ask how high that is.
+    if (event->type() == QEvent::LayoutRequest || event->type() == QEvent::Polish)
+        setFixedHeight(layout()->totalHeightForWidth(viewWidth));
+    return QWidget::event(event);
 }
 
 } // namespace tovi

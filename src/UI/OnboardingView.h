@@ -14,6 +14,9 @@ class OnboardingView : public QWidget
 
 public:
     explicit OnboardingView(std::function<void()> onFinish, QWidget *parent = nullptr);
+
+protected:
+    bool event(QEvent *event) override;
 };
 
 } // namespace tovi

@@ -38,10 +38,12 @@ public:
         , m_status(new SymbolView(17))
         , m_open(new FormButton(t(Str::openSettings), FormButton::Kind::small))
     {
+        const Qt::Alignment place =
+            buttons == PermissionRows::Buttons::hideWhenGranted ? Qt::AlignTop : Qt::AlignVCenter;
         auto *line = new QHBoxLayout(this);
         line->setContentsMargins(0, 0, 0, 0);
         line->setSpacing(10);
-        line->addWidget(m_status, 0, Qt::AlignTop);
+        line->addWidget(m_status, 0, place);
         auto *texts = new QVBoxLayout;
         texts->setSpacing(2);
         texts->addWidget(new FormLabel(FormLabel::Role::strong, t(title)));
@@ -53,12 +55,12 @@ public:
             m_request = new FormButton(t(Str::request), FormButton::Kind::small);
             m_request->setAccessibleName(name(Str::request));
             connect(m_request, &QPushButton::clicked, this, request);
-            line->addWidget(m_request, 0, Qt::AlignTop);
+            line->addWidget(m_request, 0, place);
         }
         m_open->setAccessibleName(name(Str::openSettings));
         connect(m_open, &QPushButton::clicked, this,
                 [settingsPage] { Platform::current().workspace().open(settingsPage); });
-        line->addWidget(m_open, 0, Qt::AlignTop);
+        line->addWidget(m_open, 0, place);
         setAccessibleName(t(title));
     }
 

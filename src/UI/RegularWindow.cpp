@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "UI/RegularWindow.h"
 
+#include <algorithm>
+
 #include <QCloseEvent>
+#include <QCursor>
+#include <QGuiApplication>
 #include <QIcon>
 #include <QLayout>
 #include <QScreen>
@@ -24,9 +28,11 @@ void RegularWindow::makeKeyAndOrderFront()
 {
     if (!isVisible()) {
         ensurePolished();
-        const QRect room = screen()->availableGeometry();
+        const QScreen *pointed = QGuiApplication::screenAt(QCursor::pos());
+        const QRect room = (pointed ? pointed : screen())->availableGeometry();
         const QSize size = layout()->sizeConstraint() == QLayout::SetFixedSize ? sizeHint() : this->size();
-        move(room.center() - QPoint(size.width(), size.height()) / 2);
+        move(room.x() + std::max(0, (room.width() - size.width()) / 2),
+             room.y() + std::max(0, (room.height() - size.height()) / 2));
     }
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();

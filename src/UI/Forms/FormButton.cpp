@@ -15,7 +15,7 @@ FormButton::FormButton(const QString &text, Kind kind, QWidget *parent)
     , m_kind(kind)
     , m_focus(new KeyboardFocus(this))
 {
-    setFont(FormStyle::font(kind == Kind::small ? 12 : FormStyle::bodySize));
+    setFont(FormStyle::font(kind == Kind::small ? FormStyle::captionSize : FormStyle::bodySize));
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setFocusPolicy(Qt::StrongFocus);
@@ -23,9 +23,9 @@ FormButton::FormButton(const QString &text, Kind kind, QWidget *parent)
 
 QSize FormButton::sizeHint() const
 {
-    const int side = m_kind == Kind::small ? 10 : 12;
+    const int side = m_kind == Kind::small ? 9 : 12;
     const int width = fontMetrics().size(Qt::TextShowMnemonic, text()).width();
-    const int height = std::max(fontMetrics().height() + 6, m_kind == Kind::small ? 23 : 26);
+    const int height = std::max(fontMetrics().height() + 6, m_kind == Kind::small ? 22 : 26);
     return {width + 2 * side, height};
 }
 

@@ -48,6 +48,7 @@ FormRow::FormRow(const QString &title, QWidget *control, QWidget *parent)
     setMinimumHeight(FormStyle::rowHeight);
     if (control) {
         control->setAccessibleName(title);
+        m_title->setBuddy(control); // screen readers know a choice by its value and by its label
         addControl(control);
     }
 }
@@ -78,11 +79,6 @@ void FormRow::setWarnings(const QStringList &texts)
 void FormRow::addControl(QWidget *control)
 {
     m_line->addWidget(control, 0, Qt::AlignVCenter);
-}
-
-void FormRow::setLeading(QWidget *widget)
-{
-    m_line->insertWidget(0, widget, 0, Qt::AlignVCenter);
 }
 
 } // namespace tovi

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+#include "UI/Forms/FormSection.h"
+
+#include <QBoxLayout>
+#include <QPainter>
+
+#include "UI/Controls/SystemColor.h"
+#include "UI/Forms/FormLabel.h"
+#include "UI/Forms/FormRow.h"
+#include "UI/Forms/FormStyle.h"
+
+namespace tovi {
+
+namespace {
+
+class Group final : public QWidget
+{
+public:
+    Group()
+    {
+        auto *column = new QVBoxLayout(this);
+        column->setContentsMargins(0, 0, 0, 0);
+        column->setSpacing(0);
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        FormStyle::paintGroup(painter, *this);
+        const double line = FormStyle::hairline(*this);
+        const double ratio = devicePixelRatioF();
+        bool isFirst = true;
+        for (int i = 0; i < layout()->count(); ++i) {
+            const QWidget *row = layout()->itemAt(i)->widget();
+            if (!row || row->isHidden())
+                continue;
+            // On whole device pixels: a blurred line looks like two.
+            const double y = qRound(row->y() * ratio) / ratio;
+            if (!isFirst)
+                painter.fillRect(QRectF(line, y, width() - 2 * line, line),
+                                 SystemColor::separator(palette()));
+            isFirst = false;
+        }
+    }
+};
+
+/// Lets the text of a row take what its controls leave.
+QWidget *padded(QWidget *widget, QWidget *control)
+{
+    auto *row = new QWidget;
+    auto *line = new QHBoxLayout(row);
+    line->setContentsMargins(FormStyle::rowPadding, 9, FormStyle::rowPadding, 9);
+    line->setSpacing(12);
+    line->addWidget(widget, 1);
+    if (control)
+        line->addWidget(control, 0, Qt::AlignVCenter);
+    return row;
+}
+
+} // namespace
+
+FormSection::FormSection(const QString &title, QWidget *parent)
+    : QWidget(parent)
+    , m_group(new Group)
+{
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(6);
+    if (!title.isEmpty()) {
+        auto *header = new FormLabel(FormLabel::Role::header, title);
+        header->setContentsMargins(4, 0, 4, 0);
+        column->addWidget(header);
+        setAccessibleName(title);
+    }
+    column->addWidget(m_group);
+    m_group->hide(); // while it is empty
+}
+
+FormRow *FormSection::addRow(const QString &title, QWidget *control)
+{
+    auto *row = new FormRow(title, control);
+    m_group->layout()->addWidget(row);
+    m_group->show();
+    return row;
+}
+
+void FormSection::addHint(const QString &text, QWidget *control)
+{
+    m_group->layout()->addWidget(padded(new FormLabel(FormLabel::Role::caption, text), control));
+    m_group->show();
+}
+
+void FormSection::addWidget(QWidget *widget)
+{
+    m_group->layout()->addWidget(padded(widget, nullptr));
+    m_group->show();
+}
+
+} // namespace tovi

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#include "UI/Forms/ToggleSwitch.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+#include <QStyle>
+
+#include "UI/Controls/SystemColor.h"
+#include "UI/Forms/FormStyle.h"
+#include "UI/Forms/KeyboardFocus.h"
+
+namespace tovi {
+
+ToggleSwitch::ToggleSwitch(QWidget *parent)
+    : QAbstractButton(parent)
+    , m_focus(new KeyboardFocus(this))
+{
+    setFixedSize(sizeHint());
+    setCheckable(true);
+    setFocusPolicy(Qt::StrongFocus);
+    m_slide.setEasingCurve(QEasingCurve::InOutQuad);
+    connect(&m_slide, &QVariantAnimation::valueChanged, this, [this] { update(); });
+}
+
+void ToggleSwitch::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter)
+        QAbstractButton::keyPressEvent(event);
+    else if (!event->isAutoRepeat())
+        click();
+}
+
+void ToggleSwitch::nextCheckState()
+{
+    const double from = knobPlace();
+    QAbstractButton::nextCheckState();
+    m_slide.stop();
+    m_slide.setStartValue(from);
+    m_slide.setEndValue(isChecked() ? 1.0 : 0.0);
+    m_slide.setDuration(style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0 ? 120
+                                                                                                    : 0);
+    m_slide.start();
+}
+
+void ToggleSwitch::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    if (!isEnabled())
+        painter.setOpacity(0.5);
+    const double place = knobPlace();
+    const QRectF ground = QRectF(rect()).adjusted(2, 1, -2, -1);
+    const double radius = ground.height() / 2;
+    painter.setBrush(FormStyle::track(palette()));
+    painter.drawRoundedRect(ground, radius, radius);
+    QColor on = SystemColor::accent(palette());
+    on.setAlphaF(static_cast<float>(place));
+    painter.setBrush(on);
+    painter.drawRoundedRect(ground, radius, radius);
+
+    const double side = ground.height() - 3;
+    const QRectF knob(ground.x() + 1.5 + place * (ground.width() - side - 3), ground.y() + 1.5, side, side);
+    painter.setBrush(QColor(0, 0, 0, 40));
+    painter.drawEllipse(knob.translated(0, 0.75));
+    painter.setBrush(Qt::white);
+    painter.drawEllipse(knob);
+    if (m_focus->isShown())
+        FormStyle::paintFocusRing(painter, QRectF(rect()), height() / 2.0, palette());
+}
+
+double ToggleSwitch::knobPlace() const
+{
+    if (m_slide.state() == QAbstractAnimation::Running && m_slide.endValue().toDouble() == isChecked())
+        return m_slide.currentValue().toDouble();
+    return isChecked() ? 1 : 0;
+}
+
+} // namespace tovi

@@ -52,6 +52,11 @@ void X11HotKeyCenter::unregisterHotKey(quint32 number)
     m_grabs.erase(it);
 }
 
+std::optional<quint32> X11HotKeyCenter::keyCodeAt(quint32 nativeScanCode) const
+{
+    return VirtualKeyCodes::fromXKeycode(nativeScanCode);
+}
+
 bool X11HotKeyCenter::grab(Grab &grab) const
 {
     const auto state = m_keyboard.fromProgram(grab.modifiers);

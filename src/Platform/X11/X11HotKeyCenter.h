@@ -25,6 +25,7 @@ public:
     void setHandler(Handler handler) override { m_handler = std::move(handler); }
     Registration registerHotKey(quint32 number, quint32 keyCode, quint32 modifiers) override;
     void unregisterHotKey(quint32 number) override;
+    std::optional<quint32> keyCodeAt(quint32 nativeScanCode) const override;
 
     bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;
 

@@ -21,7 +21,7 @@ namespace {
 constexpr int side = 10;
 constexpr int chevronWidth = 10;
 constexpr int gap = 7;
-constexpr double iconSide = 16;
+constexpr double iconSide = 14;
 constexpr int longestWidth = 260;
 
 } // namespace
@@ -45,7 +45,13 @@ void Picker::addEntry(const QString &title, const QString &tag, const IconImage 
 
 void Picker::setTag(const QString &tag)
 {
-    setPlaceholderText(tag);
+    setTag(tag, tag, {});
+}
+
+void Picker::setTag(const QString &tag, const QString &title, const IconImage &image)
+{
+    setPlaceholderText(title);
+    m_otherImage = image;
     setCurrentIndex(findData(tag));
     updateGeometry();
     update();
@@ -151,7 +157,7 @@ int Picker::widthFor(const QString &title) const
 
 IconImage Picker::shownImage() const
 {
-    return m_images.value(currentIndex());
+    return currentIndex() < 0 ? m_otherImage : m_images.value(currentIndex());
 }
 
 } // namespace tovi

@@ -13,7 +13,10 @@
 #include "Platform/Platform.h"
 #include "Platform/SystemLog.h"
 #include "Platform/Trace.h"
+#include "Platform/UserDefaults.h"
 #include "Settings.h"
+#include "UI/OnboardingWindowController.h"
+#include "UI/SettingsWindowController.h"
 
 /// The pictures are in a static library, which nothing else would pull in.
 static void loadResources()
@@ -42,6 +45,8 @@ void AppDelegate::applicationDidFinishLaunching()
     setupDoubleCopyMonitor();
     if (!platform.accessibility().isProcessTrusted())
         platform.accessibility().requestTrust();
+    if (!platform.userDefaults().boolean(OnboardingWindowController::completedKey).value_or(false))
+        OnboardingWindowController::shared().show();
     handleArguments(platform.application().arguments());
     Trace::mark("ready");
 }
@@ -54,7 +59,7 @@ void AppDelegate::handleArguments(const QStringList &arguments)
                                               QLatin1String(what));
     };
     if (arguments.contains(QStringLiteral("--settings")))
-        unavailable("settings window");
+        SettingsWindowController::shared().show();
     if (arguments.contains(QStringLiteral("--ocr-select")))
         ScreenSelectionController::shared().begin([](const auto &) {});
     if (arguments.contains(QStringLiteral("--check-updates")))

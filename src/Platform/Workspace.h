@@ -56,6 +56,10 @@ public:
     virtual std::optional<Screen> mainScreen() = 0;
     /// None where the desktop does not tell. Main thread.
     virtual std::optional<QPointF> mouseLocation() = 0;
+
+    /// Opens a web page, or a page of the desktop's own settings by its name in SystemPreferences.h, in the
+    /// application for it. Returns at once; what nobody can open is ignored. Main thread.
+    virtual void open(const QString &url) = 0;
 };
 
 } // namespace tovi

@@ -63,11 +63,13 @@ struct TestWorkspace final : Workspace
         return screenList.isEmpty() ? std::nullopt : std::optional(screenList.first());
     }
     std::optional<QPointF> mouseLocation() override { return mouse; }
+    void open(const QString &url) override { opened << url; }
 
     std::mutex mutex;
     std::optional<RunningApplication> frontmost;
     QList<Screen> screenList{{QRectF(0, 0, 1440, 900), QRectF(0, 0, 1440, 870), 1.0, 1}};
     std::optional<QPointF> mouse = QPointF(700, 450);
+    QStringList opened;
 };
 
 struct TestEventMonitors final : EventMonitors

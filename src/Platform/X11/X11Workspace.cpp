@@ -5,6 +5,7 @@
 #include <QScreen>
 
 #include "Platform/Linux/BrowserIdentifiers.h"
+#include "Platform/Linux/DesktopOpener.h"
 #include "Platform/Linux/TerminalEmulators.h"
 #include "Platform/X11/ScreenGeometry.h"
 
@@ -120,6 +121,11 @@ std::optional<QPointF> X11Workspace::mouseLocation()
     if (!pointer || !pointer->same_screen)
         return std::nullopt;
     return ScreenGeometry::current().fromNative(QPointF(pointer->root_x, pointer->root_y));
+}
+
+void X11Workspace::open(const QString &url)
+{
+    DesktopOpener::open(url);
 }
 
 bool X11Workspace::nativeEventFilter(const QByteArray &eventType, void *message, qintptr *)

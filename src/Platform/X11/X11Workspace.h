@@ -21,6 +21,7 @@ public:
     QList<Screen> screens() override;
     std::optional<Screen> mainScreen() override;
     std::optional<QPointF> mouseLocation() override;
+    void open(const QString &url) override;
 
     /// Any thread, as its members.
     FrontWindow &frontWindow() { return m_frontWindow; }

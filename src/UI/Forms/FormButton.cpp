@@ -15,7 +15,7 @@ FormButton::FormButton(const QString &text, Kind kind, QWidget *parent)
     , m_kind(kind)
     , m_focus(new KeyboardFocus(this))
 {
-    setFont(FormStyle::font(kind == Kind::small ? 12 : FormStyle::bodySize));
+    setFont(FormStyle::font(kind == Kind::small ? FormStyle::captionSize : FormStyle::bodySize));
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setFocusPolicy(Qt::StrongFocus);
@@ -23,15 +23,30 @@ FormButton::FormButton(const QString &text, Kind kind, QWidget *parent)
 
 QSize FormButton::sizeHint() const
 {
-    const int side = m_kind == Kind::small ? 10 : 12;
+    const int side = m_kind == Kind::small ? 9 : 12;
     const int width = fontMetrics().size(Qt::TextShowMnemonic, text()).width();
-    const int height = std::max(fontMetrics().height() + 6, m_kind == Kind::small ? 23 : 26);
+    const int height = std::max(fontMetrics().height() + 6, m_kind == Kind::small ? 22 : 26);
     return {width + 2 * side, height};
+}
+
+bool FormButton::event(QEvent *event)
+{
+    // Asked first, a shortcut of the window does not get the key.
+    if (event->type() == QEvent::ShortcutOverride && takes(static_cast<QKeyEvent *>(event)->key())) {
+        event->accept();
+        return true;
+    }
+    return QPushButton::event(event);
+}
+
+bool FormButton::takes(int key) const
+{
+    return (key == Qt::Key_Return || key == Qt::Key_Enter) && m_focus->isShown();
 }
 
 void FormButton::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
+    if (!takes(event->key())) {
         QPushButton::keyPressEvent(event);
         return;
     }

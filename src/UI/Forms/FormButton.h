@@ -7,7 +7,8 @@ namespace tovi {
 
 class KeyboardFocus;
 
-/// A push button with a rounded ground. Space and Return press it.
+/// A push button with a rounded ground. Space presses it; Return, too, when the keyboard came to it by a key,
+/// and else belongs to the window.
 class FormButton : public QPushButton
 {
     Q_OBJECT
@@ -25,10 +26,13 @@ public:
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
+    bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    bool takes(int key) const;
+
     const Kind m_kind;
     KeyboardFocus *m_focus;
 };

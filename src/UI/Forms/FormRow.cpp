@@ -19,8 +19,10 @@ QWidget *makeWarning(const QString &text)
     row->setSpacing(5);
     auto *symbol = new SymbolView(12);
     symbol->setSymbol(QStringLiteral("exclamationmark.triangle.fill"), SymbolView::Tint::orange);
+    auto *label = new FormLabel(FormLabel::Role::warning, text);
+    symbol->setFixedHeight(label->fontMetrics().height()); // beside the first line
     row->addWidget(symbol, 0, Qt::AlignTop);
-    row->addWidget(new FormLabel(FormLabel::Role::warning, text), 1);
+    row->addWidget(label, 1);
     return line;
 }
 

@@ -85,7 +85,9 @@ void Picker::showPopup()
             active = action;
     }
     connect(menu.get(), &QMenu::aboutToHide, this, [this] { update(); });
-    QMenu *shown = MenuPresenter::popUp(std::move(menu), *this, QPoint(0, height() + 2));
+    // Rows have their controls at the right: so the menu's edge is the picker's.
+    const QPoint corner(width() - menu->sizeHint().width(), height() + 2);
+    QMenu *shown = MenuPresenter::popUp(std::move(menu), *this, corner);
     if (m_focus->isShown() && active)
         shown->setActiveAction(active);
 }

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#include "UI/RegularWindow.h"
+
+#include <algorithm>
+
+#include <QCloseEvent>
+#include <QCursor>
+#include <QGuiApplication>
+#include <QIcon>
+#include <QLayout>
+#include <QScreen>
+
+namespace tovi {
+
+RegularWindow::RegularWindow(Style style)
+{
+    Qt::WindowFlags flags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                            Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
+    if (style == Style::resizable)
+        flags |= Qt::WindowMinimizeButtonHint;
+    else
+        layout()->setSizeConstraint(QLayout::SetFixedSize);
+    setWindowFlags(flags);
+    setWindowIcon(QIcon(QStringLiteral(":/tovi/ToviLogo.svg")));
+}
+
+void RegularWindow::makeKeyAndOrderFront()
+{
+    if (!isVisible()) {
+        ensurePolished();
+        const QScreen *pointed = QGuiApplication::screenAt(QCursor::pos());
+        const QRect room = (pointed ? pointed : screen())->availableGeometry();
+        const QSize size = layout()->sizeConstraint() == QLayout::SetFixedSize ? sizeHint() : this->size();
+        move(room.x() + std::max(0, (room.width() - size.width()) / 2),
+             room.y() + std::max(0, (room.height() - size.height()) / 2));
+    }
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+}
+
+void RegularWindow::closeEvent(QCloseEvent *event)
+{
+    event->accept();
+    if (onClose)
+        onClose();
+}
+
+} // namespace tovi

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+
+#include <QMainWindow>
+
+namespace tovi {
+
+/// An ordinary window of the program, which the window manager decorates.
+class RegularWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    enum class Style {
+        resizable, ///< and miniaturizable; never maximized
+        fixed,     ///< as large as its content, with a close button only
+    };
+
+    explicit RegularWindow(Style style);
+
+    /// Runs when the user or the program closes it; the window may be deleted later, not in it.
+    std::function<void()> onClose;
+
+    /// Shows it in the middle of the screen, or brings it forward, and directs the keyboard to it.
+    void makeKeyAndOrderFront();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+};
+
+} // namespace tovi

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#include "UI/SettingsView/AboutSettingsView.h"
+
+#include <QBoxLayout>
+#include <QCoreApplication>
+
+#include "Localization.h"
+#include "UI/Forms/FormButton.h"
+#include "UI/Forms/FormLabel.h"
+#include "UI/Forms/FormStyle.h"
+#include "UI/LogoView.h"
+#include "UI/SettingsWindowController.h"
+
+namespace tovi {
+
+namespace {
+
+QString t(Str key)
+{
+    return Localization::shared().t(key);
+}
+
+FormLabel *makeLine(FormLabel::Role role, const QString &text, int pixels, QFont::Weight weight)
+{
+    auto *label = new FormLabel(role, text);
+    label->setFont(FormStyle::font(pixels, weight));
+    label->setAlignment(Qt::AlignHCenter);
+    return label;
+}
+
+} // namespace
+
+AboutSettingsView::AboutSettingsView(QWidget *parent)
+    : QWidget(parent)
+{
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(24, 24, 24, 40);
+    column->setSpacing(6);
+    column->addStretch(1);
+    column->addWidget(new LogoView(96), 0, Qt::AlignHCenter);
+    column->addSpacing(6);
+    column->addWidget(makeLine(FormLabel::Role::title, QStringLiteral("Tovi"), 24, QFont::DemiBold));
+    const QString versionText = version(QCoreApplication::applicationVersion(), QString());
+    column->addWidget(makeLine(FormLabel::Role::caption, formatted(t(Str::aboutVersionFormat), {versionText}),
+                               FormStyle::bodySize, QFont::Normal));
+    column->addWidget(
+        makeLine(FormLabel::Role::caption, t(Str::aboutSubtitle), FormStyle::captionSize, QFont::Normal));
+    column->addSpacing(12);
+    auto *updates = new FormButton(t(Str::menuCheckUpdates));
+    connect(updates, &QPushButton::clicked, this, [] {
+        if (const auto &check = SettingsWindowController::shared().onCheckForUpdates)
+            check();
+    });
+    column->addWidget(updates, 0, Qt::AlignHCenter);
+    column->addStretch(1);
+}
+
+QString AboutSettingsView::version(const QString &shortVersion, const QString &build)
+{
+    return (shortVersion.isEmpty() ? QStringLiteral("0.1.0") : shortVersion) + QStringLiteral(" (") +
+           (build.isEmpty() ? QStringLiteral("1") : build) + QLatin1Char(')');
+}
+
+} // namespace tovi

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "UI/Forms/FormView.h"
+
+namespace tovi {
+
+class PermissionRows;
+
+/// What the program may do here, read again whenever the pane comes into view.
+class PermissionSettingsView : public FormView
+{
+    Q_OBJECT
+
+public:
+    explicit PermissionSettingsView(QWidget *parent = nullptr);
+};
+
+} // namespace tovi

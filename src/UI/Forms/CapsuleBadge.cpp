@@ -30,9 +30,10 @@ QSize CapsuleBadge::sizeOf(const QString &text)
     return {metrics.horizontalAdvance(text) + 16, metrics.height() + 5};
 }
 
-void CapsuleBadge::paint(QPainter &painter, const QRect &rectangle, const QString &text, const QColor &color)
+void CapsuleBadge::paint(QPainter &painter, const QRect &rectangle, const QString &text, const QColor &tint,
+                         const QColor &color)
 {
-    QColor ground = color;
+    QColor ground = tint;
     ground.setAlphaF(0.15F);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
@@ -49,7 +50,7 @@ void CapsuleBadge::paint(QPainter &painter, const QRect &rectangle, const QStrin
 void CapsuleBadge::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    paint(painter, rect(), text(), SystemColor::accent(palette()));
+    paint(painter, rect(), text(), SystemColor::accent(palette()), SystemColor::label(palette()));
 }
 
 } // namespace tovi

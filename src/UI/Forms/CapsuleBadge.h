@@ -13,9 +13,10 @@ class CapsuleBadge final : public QLabel
 public:
     explicit CapsuleBadge(const QString &text, QWidget *parent = nullptr);
 
-    /// The same in any view: its size, and its drawing in a colour that the ground is tinted with.
+    /// The same in any view: its size, and its drawing on a ground with a tint.
     static QSize sizeOf(const QString &text);
-    static void paint(QPainter &painter, const QRect &rectangle, const QString &text, const QColor &color);
+    static void paint(QPainter &painter, const QRect &rectangle, const QString &text, const QColor &tint,
+                      const QColor &color);
 
     QSize sizeHint() const override { return sizeOf(text()); }
     QSize minimumSizeHint() const override { return sizeHint(); }

@@ -48,6 +48,7 @@ FormRow::FormRow(const QString &title, QWidget *control, QWidget *parent)
     setMinimumHeight(FormStyle::rowHeight);
     if (control) {
         control->setAccessibleName(title);
+        m_title->setBuddy(control); // screen readers know a choice by its value and by its label
         addControl(control);
     }
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "UI/Forms/FormTextField.h"
 
+#include <QAccessibleWidget>
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QPainter>
@@ -15,11 +16,39 @@ namespace {
 constexpr int naturalWidth = 190;
 constexpr int textMargin = 5;
 
+/// The toolkit tells every change of a password field's text to all who listen on the accessibility bus, as
+/// it is typed. It does not where there is no text.
+class SecretAccessible final : public QAccessibleWidget
+{
+public:
+    explicit SecretAccessible(QWidget *field)
+        : QAccessibleWidget(field, QAccessible::EditableText)
+    {}
+
+    QAccessible::State state() const override
+    {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.editable = true;
+        state.passwordEdit = true;
+        return state;
+    }
+};
+
+QAccessibleInterface *makeAccessible(const QString &, QObject *object)
+{
+    auto *field = qobject_cast<FormTextField *>(object);
+    return field && field->echoMode() == QLineEdit::Password ? new SecretAccessible(field) : nullptr;
+}
+
 } // namespace
 
-FormTextField::FormTextField(const QString &placeholder, QWidget *parent)
+FormTextField::FormTextField(const QString &placeholder, Content content, QWidget *parent)
     : QLineEdit(parent)
 {
+    if (content == Content::secret) {
+        [[maybe_unused]] static const bool isInstalled = (QAccessible::installFactory(makeAccessible), true);
+        setEchoMode(Password);
+    }
     setFont(FormStyle::font(FormStyle::bodySize));
     setPlaceholderText(placeholder);
     setFrame(false);
@@ -29,11 +58,6 @@ FormTextField::FormTextField(const QString &placeholder, QWidget *parent)
     QPalette transparent;
     transparent.setColor(QPalette::Base, Qt::transparent);
     setPalette(transparent);
-}
-
-void FormTextField::setSecret()
-{
-    setEchoMode(Password);
 }
 
 void FormTextField::showText(const QString &text)

@@ -13,10 +13,14 @@ class FormTextField final : public QLineEdit
     Q_OBJECT
 
 public:
-    explicit FormTextField(const QString &placeholder = {}, QWidget *parent = nullptr);
+    enum class Content {
+        plain,
+        secret, ///< shown as dots, never copied, and kept from the accessibility bus
+    };
 
-    /// From now on shows dots, also to screen readers, which are not told either what is typed.
-    void setSecret();
+    explicit FormTextField(const QString &placeholder = {}, Content content = Content::plain,
+                           QWidget *parent = nullptr);
+
     /// Shows a text without telling anybody; one that is shown already keeps caret, selection and history.
     void showText(const QString &text);
     /// Runs when the user has changed the text, never for showText(text).

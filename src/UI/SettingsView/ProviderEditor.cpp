@@ -2,6 +2,8 @@
 #include "UI/SettingsView/ProviderEditor.h"
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 #include <QBoxLayout>
 #include <QEvent>
@@ -80,6 +82,21 @@ protected:
 private:
     EditableTextView *m_text;
 };
+
+/// A control that is disabled loses the keyboard; here it gets it back, unless the user has gone on.
+void setEnabledKeepingFocus(QWidget &control, bool isEnabled)
+{
+    constexpr const char *hadFocus = "hadFocus";
+    if (isEnabled == control.isEnabled())
+        return;
+    if (!isEnabled) {
+        control.setProperty(hadFocus, control.hasFocus());
+        control.clearFocus();
+    }
+    control.setEnabled(isEnabled);
+    if (isEnabled && control.property(hadFocus).toBool() && !control.window()->focusWidget())
+        control.setFocus(control.underMouse() ? Qt::MouseFocusReason : Qt::TabFocusReason);
+}
 
 /// Labels break lines between words only, and what a server says may be one long word.
 QString breakable(const QString &text)
@@ -160,7 +177,8 @@ void ProviderEditor::runTest()
 void ProviderEditor::addIdentity()
 {
     FormSection *section = addSection();
-    FormTextField *name = addText(*section, t(Str::providerName), &ProviderConfig::name);
+    auto *name = new FormTextField;
+    addText(*section, t(Str::providerName), &ProviderConfig::name, name);
 
     auto *kind = new Picker;
     for (const ProviderKind each : ProviderKinds::all())
@@ -205,9 +223,12 @@ void ProviderEditor::addIdentity()
 void ProviderEditor::addChat()
 {
     FormSection *section = addSectionOf(ProviderKind::openAI, t(Str::providerTypeOpenAI));
-    addText(*section, t(Str::baseURL), &ProviderConfig::baseURL, Endpoints::openAIBaseURL());
-    addText(*section, t(Str::model), &ProviderConfig::model, QStringLiteral("gpt-4o-mini"));
-    addText(*section, t(Str::apiKey), &ProviderConfig::apiKey, QStringLiteral("sk-…"))->setSecret();
+    addText(*section, t(Str::baseURL), &ProviderConfig::baseURL,
+            new FormTextField(Endpoints::openAIBaseURL()));
+    addText(*section, t(Str::model), &ProviderConfig::model,
+            new FormTextField(QStringLiteral("gpt-4o-mini")));
+    addText(*section, t(Str::apiKey), &ProviderConfig::apiKey,
+            new FormTextField(QStringLiteral("sk-…"), FormTextField::Content::secret));
     auto *fallback = new ToggleSwitch;
     section->addRow(t(Str::fallbackToGoogle), fallback);
     connect(fallback, &ToggleSwitch::toggled, this, [this](bool checked) {
@@ -264,12 +285,15 @@ void ProviderEditor::addTest()
     addWidget(row);
     connect(button, &QPushButton::clicked, this, [this] { runTest(); });
 
-    follow([this, button, spinner, symbol, message] {
+    follow([this, button, spinner, symbol, message, shown = std::optional<ProviderTestState>()]() mutable {
         using Kind = ProviderTestState::Kind;
         const ProviderTestState &state = m_test->state;
+        // Screen readers are told of each assignment of a name, new or not.
+        if (std::exchange(shown, state) == state)
+            return;
         const bool isDone = state.kind == Kind::success || state.kind == Kind::failure;
         const bool isSuccess = state.kind == Kind::success;
-        button->setEnabled(state.kind != Kind::running);
+        setEnabledKeepingFocus(*button, state.kind != Kind::running);
         spinner->setVisible(state.kind == Kind::running);
         symbol->setVisible(isDone);
         message->setVisible(isDone);
@@ -282,16 +306,14 @@ void ProviderEditor::addTest()
     });
 }
 
-FormTextField *ProviderEditor::addText(FormSection &section, const QString &title,
-                                       QString ProviderConfig::*field, const QString &placeholder)
+void ProviderEditor::addText(FormSection &section, const QString &title, QString ProviderConfig::*member,
+                             FormTextField *field)
 {
-    auto *text = new FormTextField(placeholder);
-    section.addRow(title, text);
-    text->onEdit([this, field](const QString &value) {
-        edit([&](ProviderConfig &config) { config.*field = value; });
+    section.addRow(title, field);
+    field->onEdit([this, member](const QString &value) {
+        edit([&](ProviderConfig &config) { config.*member = value; });
     });
-    follow([this, text, field] { text->showText(provider().*field); });
-    return text;
+    follow([this, field, member] { field->showText(provider().*member); });
 }
 
 FormSection *ProviderEditor::addSectionOf(ProviderKind kind, const QString &title)

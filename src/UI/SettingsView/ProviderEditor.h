@@ -11,6 +11,7 @@
 
 namespace tovi {
 
+class FormTextField;
 class ProviderTest;
 class Settings;
 
@@ -38,8 +39,9 @@ private:
     void addPrompt();
     void addDescription(ProviderKind kind, const QString &text);
     void addTest();
-    class FormTextField *addText(FormSection &section, const QString &title, QString ProviderConfig::*field,
-                                 const QString &placeholder = {});
+    /// A row with a field that shows a member of the engine and writes it through.
+    void addText(FormSection &section, const QString &title, QString ProviderConfig::*member,
+                 FormTextField *field);
     FormSection *addSectionOf(ProviderKind kind, const QString &title);
 
     Settings &m_settings;

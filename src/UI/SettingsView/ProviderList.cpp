@@ -76,7 +76,8 @@ public:
         if (index.data(isDefaultRole).toBool()) {
             const QSize size = CapsuleBadge::sizeOf(badge());
             const QPoint corner(room.right() + 1 - size.width(), room.y() + (rowHeight - size.height()) / 2);
-            CapsuleBadge::paint(*painter, QRect(corner, size), badge(), isSelected ? color : secondary);
+            CapsuleBadge::paint(*painter, QRect(corner, size), badge(), color,
+                                isSelected ? color : secondary);
             room.setRight(corner.x() - gap);
         }
         const QFont title = FormStyle::font(FormStyle::bodySize);

@@ -30,6 +30,7 @@ protected:
     void SetUp() override
     {
         platform.userDefaults().values[QStringLiteral("ocrEnabled")] = false;
+        platform.userDefaults().values[QStringLiteral("hasCompletedOnboarding")] = true;
         platform.translationFramework().onOpen = [this](auto &request) { request.handler(session); };
         QList<ProviderConfig> providers = Settings::shared().providers;
         for (ProviderConfig &provider : providers) {

@@ -17,7 +17,8 @@ namespace {
 
 constexpr double symbolSize = 19;
 constexpr int itemHeight = 52;
-constexpr int narrowestItem = 82;
+constexpr int usualWidth = 82;
+constexpr int narrowestWidth = 60;
 constexpr double itemRadius = 8;
 
 class ToolbarItem final : public QAbstractButton
@@ -33,12 +34,16 @@ public:
         setCheckable(true);
         setAutoExclusive(true);
         setAttribute(Qt::WA_Hover);
-        setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+        setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     }
 
     QSize sizeHint() const override
     {
-        return {std::max(fontMetrics().horizontalAdvance(text()) + 20, narrowestItem), itemHeight};
+        return {std::max(fontMetrics().horizontalAdvance(text()) + 20, usualWidth), itemHeight};
+    }
+    QSize minimumSizeHint() const override
+    {
+        return {std::max(fontMetrics().horizontalAdvance(text()) + 8, narrowestWidth), itemHeight};
     }
 
 protected:

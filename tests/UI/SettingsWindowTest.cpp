@@ -1,0 +1,423 @@
+// SPDX-License-Identifier: MIT
+#include <QApplication>
+#include <QKeyEvent>
+#include <gtest/gtest.h>
+
+#include "HotKeyStatus.h"
+#include "Localization.h"
+#include "Platform/SystemPreferences.h"
+#include "Settings.h"
+#include "Support/TestPlatform.h"
+#include "UI/Forms/FormButton.h"
+#include "UI/Forms/FormLabel.h"
+#include "UI/Forms/FormSlider.h"
+#include "UI/Forms/Picker.h"
+#include "UI/Forms/SymbolView.h"
+#include "UI/Forms/ToggleSwitch.h"
+#include "UI/OnboardingWindowController.h"
+#include "UI/RegularWindow.h"
+#include "UI/SettingsToolbar.h"
+#include "UI/SettingsView/AboutSettingsView.h"
+#include "UI/SettingsWindowController.h"
+
+namespace tovi {
+namespace {
+
+using namespace std::chrono_literals;
+using Policy = Application::ActivationPolicy;
+
+QString t(Str key)
+{
+    return Localization::shared().t(key);
+}
+
+void press(QWidget *widget, Qt::Key key)
+{
+    for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+        QKeyEvent event(type, key, Qt::NoModifier);
+        QApplication::sendEvent(widget, &event);
+    }
+}
+
+class WindowTest : public testing::Test
+{
+protected:
+    virtual RegularWindow *window() = 0;
+
+    /// The visible one with this accessible name.
+    template <class Widget>
+    Widget *find(const QString &name)
+    {
+        for (Widget *widget : window()->findChildren<Widget *>()) {
+            if (widget->isVisible() && (widget->accessibleName() == name))
+                return widget;
+        }
+        return nullptr;
+    }
+    template <class Widget>
+    Widget *find(Str name)
+    {
+        return find<Widget>(t(name));
+    }
+    FormButton *button(Str text)
+    {
+        for (FormButton *button : window()->findChildren<FormButton *>()) {
+            if (button->isVisible() && button->text() == t(text))
+                return button;
+        }
+        return nullptr;
+    }
+    FormButton *rowButton(Str text, Str row)
+    {
+        return find<FormButton>(t(text) + QStringLiteral(": ") + t(row));
+    }
+    QStringList symbols()
+    {
+        QStringList names;
+        for (const SymbolView *view : window()->findChildren<SymbolView *>()) {
+            if (view->isVisible())
+                names << view->symbol();
+        }
+        return names;
+    }
+    qsizetype count(Str text)
+    {
+        drainMainQueue();
+        qsizetype found = 0;
+        for (const FormLabel *label : window()->findChildren<FormLabel *>())
+            found += label->isVisible() && label->text() == t(text);
+        return found;
+    }
+    /// What does not fit into its place.
+    std::string cutOff()
+    {
+        QStringList texts;
+        for (const FormLabel *label : window()->findChildren<FormLabel *>()) {
+            if (!label->isVisible())
+                continue;
+            const int height = label->hasHeightForWidth() ? label->heightForWidth(label->width())
+                                                          : label->sizeHint().height();
+            const int width =
+                label->wordWrap() ? label->minimumSizeHint().width() : label->sizeHint().width();
+            if (label->height() < height || label->width() < width)
+                texts << label->text();
+        }
+        for (const QAbstractButton *button : window()->findChildren<QAbstractButton *>()) {
+            const QRect place(button->mapTo(window(), QPoint()), button->size());
+            if (button->isVisible() && (button->width() < button->minimumSizeHint().width() ||
+                                        place.left() < 0 || place.right() >= window()->width()))
+                texts << button->text();
+        }
+        return texts.join(QLatin1Char('\n')).toStdString();
+    }
+
+    TestPlatform platform;
+};
+
+class SettingsWindowTest : public WindowTest
+{
+protected:
+    RegularWindow *window() override { return controller().window(); }
+    static SettingsWindowController &controller() { return SettingsWindowController::shared(); }
+    QJsonValue stored(const char *key)
+    {
+        drainMainQueue();
+        return platform.userDefaults().values.value(QLatin1String(key));
+    }
+    void show(SettingsPane pane = SettingsPane::general)
+    {
+        controller().show();
+        controller().select(pane);
+        drainMainQueue();
+    }
+};
+
+TEST_F(SettingsWindowTest, ThereIsOneWindowAndItRemembersItsPane)
+{
+    show();
+    EXPECT_EQ(platform.application().policy, Policy::Regular);
+    EXPECT_EQ(window()->windowTitle(), QStringLiteral("Tovi Settings"));
+    EXPECT_EQ(window()->size(), SettingsWindowController::contentSize);
+    auto *first = window();
+    show(SettingsPane::shortcuts);
+    EXPECT_EQ(window(), first);
+    window()->close();
+    EXPECT_EQ(window(), nullptr);
+    EXPECT_EQ(platform.application().policy, Policy::Accessory);
+    drainMainQueue();
+
+    controller().show();
+    auto *toolbar = window()->findChild<SettingsToolbar *>();
+    EXPECT_EQ(toolbar->selectedItem(), QStringLiteral("com.brevoll.tovi.settings.shortcuts"));
+    EXPECT_EQ(count(Str::captureShortcut), 1);
+    find<QAbstractButton>(Str::paneAbout)->click();
+    EXPECT_EQ(count(Str::aboutSubtitle), 1);
+    press(find<QAbstractButton>(Str::paneAbout), Qt::Key_Right);
+    EXPECT_EQ(controller().selectedPane(), SettingsPane::general);
+    EXPECT_TRUE(find<QAbstractButton>(Str::paneGeneral)->isChecked());
+}
+
+TEST_F(SettingsWindowTest, SwitchesWriteThroughAndFollow)
+{
+    Settings &settings = Settings::shared();
+    struct Case
+    {
+        SettingsPane pane;
+        Str title;
+        const char *key;
+        Stored<bool> &field;
+    };
+    const Case cases[] = {
+        {SettingsPane::general, Str::dictionaryToggle, "enableDictionary", settings.enableDictionary},
+        {SettingsPane::general, Str::doubleCopyShortcut, "enableDoubleCopy", settings.enableDoubleCopy},
+        {SettingsPane::general, Str::stepBrowser, "browserScriptEnabled", settings.browserScriptEnabled},
+        {SettingsPane::general, Str::stepClipboard, "clipboardFallback", settings.clipboardFallback},
+        {SettingsPane::general, Str::preferMenuCopy, "preferMenuBarCopy", settings.preferMenuBarCopy},
+        {SettingsPane::general, Str::menuRestoreClipboard, "restoreClipboard", settings.restoreClipboard},
+        {SettingsPane::general, Str::stepOCR, "ocrEnabled", settings.ocrEnabled},
+        {SettingsPane::general, Str::ocrRegionToggle, "ocrRegionSelection", settings.ocrRegionSelection},
+        {SettingsPane::shortcuts, Str::doubleCopyShortcut, "enableDoubleCopy", settings.enableDoubleCopy},
+    };
+    for (const Case &entry : cases) {
+        SCOPED_TRACE(entry.key);
+        show(entry.pane);
+        auto *toggle = find<ToggleSwitch>(entry.title);
+        ASSERT_TRUE(toggle);
+        const bool before = entry.field;
+        EXPECT_EQ(toggle->isChecked(), before);
+        toggle->click();
+        EXPECT_EQ(stored(entry.key), QJsonValue(!before));
+        entry.field = before;
+        drainMainQueue();
+        EXPECT_EQ(toggle->isChecked(), before);
+    }
+    show();
+    EXPECT_EQ(count(Str::ocrRegionDescription), 1);
+    find<ToggleSwitch>(Str::ocrRegionToggle)->click();
+    EXPECT_EQ(count(Str::ocrPointDescription), 1);
+}
+
+TEST_F(SettingsWindowTest, ARefusedLoginItemSwitchesBackAndSaysWhy)
+{
+    platform.loginItem().error = QStringLiteral("disk full");
+    show();
+    auto *toggle = find<ToggleSwitch>(Str::launchAtLogin);
+    toggle->click();
+    drainMainQueue();
+    EXPECT_FALSE(toggle->isChecked());
+    EXPECT_TRUE(symbols().contains(QStringLiteral("exclamationmark.triangle.fill")));
+    platform.loginItem().error.reset();
+    toggle->click();
+    drainMainQueue();
+    EXPECT_TRUE(toggle->isChecked());
+    EXPECT_FALSE(symbols().contains(QStringLiteral("exclamationmark.triangle.fill")));
+}
+
+TEST_F(SettingsWindowTest, PickersWriteWhatIsPickedAndNothingElse)
+{
+    struct Case
+    {
+        Str title;
+        Stored<QString> &field;
+        int index;
+        QString picked;
+    };
+    Settings &settings = Settings::shared();
+    const Case cases[] = {
+        {Str::appearance, settings.appearance, 2, AppearanceMode::dark},
+        {Str::windowPosition, settings.windowPosition, 1, WindowPosition::center},
+        {Str::targetLanguage, settings.targetLanguage, 8, QStringLiteral("ru")},
+    };
+    const QString unknown = QStringLiteral("pt-BR");
+    for (const Case &entry : cases)
+        entry.field = unknown;
+    platform.userDefaults().writes.clear();
+    show();
+    for (const Case &entry : cases) {
+        auto *picker = find<Picker>(entry.title);
+        ASSERT_TRUE(picker);
+        EXPECT_EQ(picker->currentIndex(), -1);
+        EXPECT_EQ(picker->placeholderText(), unknown);
+        EXPECT_EQ(entry.field.get(), unknown);
+    }
+    EXPECT_TRUE(platform.userDefaults().writes.isEmpty());
+    for (const Case &entry : cases) {
+        auto *picker = find<Picker>(entry.title);
+        picker->showPopup();
+        const auto actions = QApplication::activePopupWidget()->actions();
+        ASSERT_GT(actions.size(), entry.index);
+        actions.at(entry.index)->trigger();
+        QApplication::activePopupWidget()->close();
+        EXPECT_EQ(entry.field.get(), entry.picked);
+        EXPECT_EQ(picker->tag(), entry.picked);
+        drainMainQueue();
+    }
+}
+
+TEST_F(SettingsWindowTest, SlidersKeepToTheirStepsAndLimits)
+{
+    Settings::shared().resultPanelWidth = 1000;
+    show();
+    EXPECT_EQ(stored("resultPanelWidth"), 1000) << "showing it changes nothing";
+    struct Step
+    {
+        double from;
+        Qt::Key key;
+        double to;
+    };
+    for (const Step &step :
+         {Step{380, Qt::Key_Right, 390}, Step{383, Qt::Key_Left, 370}, Step{300, Qt::Key_Left, 300},
+          Step{380, Qt::Key_End, 640}, Step{640, Qt::Key_PageDown, 590}, Step{590, Qt::Key_Home, 300}}) {
+        Settings::shared().resultPanelWidth = step.from;
+        drainMainQueue();
+        press(find<FormSlider>(Str::widthLabel), step.key);
+        EXPECT_EQ(stored("resultPanelWidth"), step.to) << step.from;
+    }
+    auto *slider = find<FormSlider>(Str::fontSize);
+    for (const double place : {0.52, 5.0, -1.0}) {
+        QMouseEvent event(QEvent::MouseButtonPress, QPointF(place * slider->width(), 10), QPointF(),
+                          Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(slider, &event);
+        EXPECT_EQ(stored("resultFontSize"), place > 1 ? 26 : place < 0 ? 11 : 19) << place;
+    }
+}
+
+TEST_F(SettingsWindowTest, ANewLanguageRelabelsEverythingAndKeepsTheKeyboard)
+{
+    show();
+    auto *picker = find<Picker>(Str::interfaceLanguage);
+    picker->setFocus(Qt::TabFocusReason);
+    picker->setTag(QStringLiteral("fr"));
+    press(picker, Qt::Key_Down);
+    EXPECT_EQ(Localization::shared().language.get(), AppLanguage::de);
+    EXPECT_EQ(window()->windowTitle(), QStringLiteral("Tovi-Einstellungen"));
+    for (const SettingsPane pane : SettingsPanes::all())
+        EXPECT_TRUE(find<QAbstractButton>(SettingsPanes::title(pane)));
+    drainMainQueue();
+    EXPECT_EQ(count(Str::targetLanguage), 1);
+    EXPECT_EQ(window()->focusWidget(), find<Picker>(Str::interfaceLanguage));
+}
+
+TEST_F(SettingsWindowTest, ShortcutRowsTellWhatIsWrong)
+{
+    using Slot = HotKeyStatus::Slot;
+    show(SettingsPane::shortcuts);
+    HotKeyStatus::shared().duplicates = {Slot::capture, Slot::input};
+    HotKeyStatus::shared().failed = {Slot::ocr};
+    EXPECT_EQ(count(Str::hotKeyDuplicate), 2);
+    EXPECT_EQ(count(Str::hotKeyInUse), 1);
+    HotKeyStatus::shared().duplicates = {};
+    EXPECT_EQ(count(Str::hotKeyDuplicate), 0);
+
+    Settings::shared().inputHotKey = HotKey{};
+    button(Str::resetShortcuts)->click();
+    EXPECT_EQ(Settings::shared().inputHotKey.get(), Settings::defaultInputHotKey);
+}
+
+TEST_F(SettingsWindowTest, PermissionsAreReadAgainAndAskedFor)
+{
+    const QString granted = QStringLiteral("checkmark.circle.fill");
+    const QString refused = QStringLiteral("xmark.circle.fill");
+    const QString unknown = QStringLiteral("questionmark.circle.fill");
+    platform.accessibility().trusted = false;
+    show(SettingsPane::permissions);
+    EXPECT_EQ(symbols(), QStringList({refused, granted, unknown}));
+    EXPECT_FALSE(rowButton(Str::request, Str::screenPerm));
+    EXPECT_FALSE(rowButton(Str::request, Str::automationPerm));
+    rowButton(Str::request, Str::accessibilityPerm)->click();
+    EXPECT_EQ(platform.accessibility().trustRequests, 1);
+    platform.accessibility().trusted = true; // the desktop takes its time
+    platform.clock().advance(1s);
+    EXPECT_EQ(symbols(), QStringList({granted, granted, unknown}));
+    for (const Str row : {Str::accessibilityPerm, Str::screenPerm, Str::automationPerm})
+        rowButton(Str::openSettings, row)->click();
+    EXPECT_EQ(platform.workspace().opened,
+              QStringList({SystemPreferences::accessibility, SystemPreferences::screenCapture,
+                           SystemPreferences::automation}));
+    platform.screenCapture().allowed = false;
+    button(Str::refreshStatus)->click();
+    EXPECT_EQ(symbols(), QStringList({granted, refused, unknown}));
+}
+
+TEST_F(SettingsWindowTest, NothingIsCutOffInAnyLanguage)
+{
+    platform.accessibility().trusted = false;
+    HotKeyStatus::shared().duplicates = {HotKeyStatus::Slot::capture};
+    show();
+    for (const AppLanguage language : AppLanguages::all()) {
+        Localization::shared().language = language;
+        for (const QSize size :
+             {SettingsWindowController::contentSize, SettingsWindowController::minimumSize}) {
+            window()->resize(size);
+            for (const SettingsPane pane : SettingsPanes::all()) {
+                show(pane);
+                EXPECT_EQ(cutOff(), "") << qPrintable(SettingsPanes::rawValue(pane));
+            }
+        }
+    }
+}
+
+TEST(AboutSettings, VersionsThatAreMissingHaveDefaults)
+{
+    EXPECT_EQ(AboutSettingsView::version(QStringLiteral("1.4.2"), QStringLiteral("37")),
+              QStringLiteral("1.4.2 (37)"));
+    EXPECT_EQ(AboutSettingsView::version({}, {}), QStringLiteral("0.1.0 (1)"));
+}
+
+class OnboardingTest : public WindowTest
+{
+protected:
+    RegularWindow *window() override { return OnboardingWindowController::shared().window(); }
+    bool isCompleted()
+    {
+        return platform.userDefaults().boolean(OnboardingWindowController::completedKey).value_or(false);
+    }
+};
+
+TEST_F(OnboardingTest, EveryWayOutCompletesIt)
+{
+    const std::function<void()> ways[] = {
+        [&] { window()->close(); },
+        [&] { button(Str::onboardingContinue)->click(); },
+        [&] { press(window()->focusWidget(), Qt::Key_Return); },
+    };
+    for (const auto &leave : ways) {
+        platform.userDefaults().values = {};
+        OnboardingWindowController::shared().show();
+        drainMainQueue();
+        auto *first = window();
+        OnboardingWindowController::shared().show();
+        EXPECT_EQ(window(), first);
+        EXPECT_EQ(platform.application().policy, Policy::Regular);
+        EXPECT_FALSE(isCompleted());
+        leave();
+        EXPECT_EQ(window(), nullptr);
+        EXPECT_TRUE(isCompleted());
+        EXPECT_EQ(platform.application().policy, Policy::Accessory);
+        drainMainQueue();
+    }
+}
+
+TEST_F(OnboardingTest, WhatIsGrantedHasNoButtonsInAnyLanguage)
+{
+    platform.screenCapture().allowed = false;
+    OnboardingWindowController::shared().show();
+    for (const AppLanguage language : AppLanguages::all()) {
+        Localization::shared().language = language;
+        drainMainQueue();
+        EXPECT_FALSE(rowButton(Str::openSettings, Str::accessibilityPerm));
+        EXPECT_TRUE(rowButton(Str::openSettings, Str::automationPerm));
+        ASSERT_TRUE(rowButton(Str::request, Str::screenPerm));
+        EXPECT_EQ(cutOff(), "");
+    }
+    rowButton(Str::request, Str::screenPerm)->click();
+    EXPECT_EQ(platform.screenCapture().requests, 1);
+    platform.accessibility().trusted = false;
+    button(Str::refreshStatus)->click();
+    drainMainQueue();
+    EXPECT_TRUE(rowButton(Str::request, Str::accessibilityPerm));
+    EXPECT_EQ(cutOff(), "");
+}
+
+} // namespace
+} // namespace tovi

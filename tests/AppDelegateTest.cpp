@@ -13,6 +13,8 @@
 #include "Support/Await.h"
 #include "Support/TestPlatform.h"
 #include "Translation/Translator.h"
+#include "UI/OnboardingWindowController.h"
+#include "UI/SettingsWindowController.h"
 
 namespace tovi {
 namespace {
@@ -92,6 +94,19 @@ protected:
     std::shared_ptr<TestTranslationSession> session = std::make_shared<TestTranslationSession>();
     AppDelegate delegate;
 };
+
+TEST_F(AppDelegateTest, OpensTheWindowsThatALaunchAsksFor)
+{
+    EXPECT_FALSE(SettingsWindowController::shared().window());
+    delegate.handleArguments({QStringLiteral("tovi"), QStringLiteral("--settings")});
+    EXPECT_TRUE(SettingsWindowController::shared().window());
+
+    EXPECT_FALSE(OnboardingWindowController::shared().window());
+    platform.userDefaults().values[QStringLiteral("hasCompletedOnboarding")] = false;
+    AppDelegate newUsers;
+    newUsers.applicationDidFinishLaunching();
+    EXPECT_TRUE(OnboardingWindowController::shared().window());
+}
 
 TEST_F(AppDelegateTest, RegistersEachShortcutOnceAndReportsTheRest)
 {

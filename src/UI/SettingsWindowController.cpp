@@ -10,6 +10,7 @@
 #include "Platform/NotificationCenter.h"
 #include "Platform/Platform.h"
 #include "Settings.h"
+#include "UI/Forms/KeyboardFocus.h"
 #include "UI/RegularWindow.h"
 #include "UI/SettingsPaneFactory.h"
 #include "UI/SettingsToolbar.h"
@@ -127,6 +128,8 @@ void SettingsWindowController::languageChanged()
     m_toolbar->relabel();
     // Whoever goes through the languages by the arrow keys stays where he is.
     const qsizetype focus = focusPosition(m_pane);
+    const auto reason =
+        KeyboardFocus::isShownFor(m_window->focusWidget()) ? Qt::TabFocusReason : Qt::OtherFocusReason;
     const int scrolled = scrollPosition(m_pane);
     showPane();
     if (auto *area = qobject_cast<QAbstractScrollArea *>(m_pane.get())) {
@@ -135,7 +138,7 @@ void SettingsWindowController::languageChanged()
         area->verticalScrollBar()->setValue(scrolled);
     }
     if (const auto widgets = m_pane->findChildren<QWidget *>(); focus >= 0 && focus < widgets.size())
-        widgets.at(focus)->setFocus(Qt::TabFocusReason);
+        widgets.at(focus)->setFocus(reason);
 }
 
 } // namespace tovi

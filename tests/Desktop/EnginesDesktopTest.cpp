@@ -30,7 +30,8 @@ protected:
 
     void openSettings(const QString &pane)
     {
-        writeDemoSettings(desktop, chatEngine(server.origin()));
+        writeDemoSettings(desktop, {chatEngine(server.origin())},
+                          {{QStringLiteral("appLanguage"), QStringLiteral("en")}});
         tovi =
             desktop.start(program, {QStringLiteral("--settings")},
                           {trace.environment(), QStringLiteral("TOVI_OPENAI_BASE_URL=") + server.origin()});

@@ -94,10 +94,12 @@ void FormSlider::paintEvent(QPaintEvent *)
                             trackHeight / 2);
 
     const QRectF knob(x - knobSide / 2, middle - knobSide / 2, knobSide, knobSide);
-    painter.setBrush(QColor(0, 0, 0, 50));
-    painter.drawEllipse(knob.adjusted(-0.5, 0, 0.5, 1));
+    // White on white needs its shadow.
+    painter.setBrush(QColor(0, 0, 0, 28));
+    painter.drawEllipse(knob.adjusted(-0.5, 0.5, 0.5, 1.5));
+    painter.setPen(QPen(QColor(0, 0, 0, 60), 1));
     painter.setBrush(isSliderDown() ? QColor(0xffe8e8ea) : QColor(Qt::white));
-    painter.drawEllipse(knob);
+    painter.drawEllipse(knob.adjusted(0.5, 0.5, -0.5, -0.5));
     if (m_focus->isShown())
         FormStyle::paintFocusRing(painter, knob.adjusted(-3, -3, 3, 3), knobSide / 2 + 3, palette());
 }

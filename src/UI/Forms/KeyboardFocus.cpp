@@ -20,6 +20,12 @@ bool KeyboardFocus::isShown() const
     return m_cameByKey && m_control->hasFocus();
 }
 
+bool KeyboardFocus::isShownFor(const QWidget *control)
+{
+    const auto *focus = control ? control->findChild<KeyboardFocus *>() : nullptr;
+    return focus && focus->isShown();
+}
+
 bool KeyboardFocus::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) {

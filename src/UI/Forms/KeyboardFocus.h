@@ -10,10 +10,14 @@ namespace tovi {
 /// Tells whether a control should show a focus ring: only while it has the keyboard, and got it by a key.
 class KeyboardFocus : public QObject
 {
+    Q_OBJECT
+
 public:
     explicit KeyboardFocus(QWidget *control);
 
     bool isShown() const;
+    /// Whether the control with the keyboard shows its ring; controls without a ring never do.
+    static bool isShownFor(const QWidget *control);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

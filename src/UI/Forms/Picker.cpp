@@ -3,6 +3,8 @@
 
 #include <cmath>
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMouseEvent>
@@ -24,17 +26,80 @@ constexpr int gap = 7;
 constexpr double iconSide = 14;
 constexpr int longestWidth = 260;
 
+/// The toolkit's own tells neither what the choice is for nor of our menu.
+class AccessiblePicker : public QAccessibleWidget
+{
+public:
+    explicit AccessiblePicker(Picker *picker)
+        : QAccessibleWidget(picker, QAccessible::ComboBox)
+    {}
+
+    QString text(QAccessible::Text kind) const override
+    {
+        const QString name = picker()->accessibleName();
+        if (kind == QAccessible::Value)
+            return picker()->shownTitle();
+        if (kind == QAccessible::Name)
+            return name.isEmpty() ? picker()->shownTitle()
+                                  : name + QStringLiteral(": ") + picker()->shownTitle();
+        return QAccessibleWidget::text(kind);
+    }
+    QAccessible::State state() const override
+    {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.hasPopup = true;
+        state.expandable = true;
+        state.expanded = picker()->menu() != nullptr;
+        return state;
+    }
+    QStringList actionNames() const override
+    {
+        return picker()->isEnabled() ? QStringList{showMenuAction(), pressAction()} : QStringList();
+    }
+    void doAction(const QString &name) override
+    {
+        if (name == showMenuAction() || name == pressAction())
+            picker()->showPopup();
+    }
+    int childCount() const override { return picker()->menu() ? 1 : 0; }
+    QAccessibleInterface *child(int index) const override
+    {
+        return index == 0 && picker()->menu() ? QAccessible::queryAccessibleInterface(picker()->menu())
+                                              : nullptr;
+    }
+    int indexOfChild(const QAccessibleInterface *child) const override
+    {
+        return child && picker()->menu() && child->object() == picker()->menu() ? 0 : -1;
+    }
+
+private:
+    Picker *picker() const { return static_cast<Picker *>(widget()); }
+};
+
+QAccessibleInterface *accessibleFor(const QString &className, QObject *object)
+{
+    return className == QLatin1StringView(Picker::staticMetaObject.className())
+               ? new AccessiblePicker(static_cast<Picker *>(object))
+               : nullptr;
+}
+
 } // namespace
 
 Picker::Picker(QWidget *parent)
     : QComboBox(parent)
     , m_focus(new KeyboardFocus(this))
 {
+    static const bool isInstalled = (QAccessible::installFactory(accessibleFor), true);
+    Q_UNUSED(isInstalled)
     setFont(FormStyle::font(FormStyle::bodySize));
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setFocusPolicy(Qt::StrongFocus);
-    connect(this, &QComboBox::currentIndexChanged, this, &QWidget::updateGeometry);
+    connect(this, &QComboBox::currentIndexChanged, this, [this] {
+        updateGeometry();
+        QAccessibleEvent event(this, QAccessible::NameChanged);
+        QAccessible::updateAccessibility(&event);
+    });
 }
 
 void Picker::addEntry(const QString &title, const QString &tag, const IconImage &image)
@@ -65,9 +130,14 @@ void Picker::onPick(std::function<void(const QString &)> picked)
     });
 }
 
+QMenu *Picker::menu() const
+{
+    return m_menu && m_menu->isVisible() ? m_menu.get() : nullptr;
+}
+
 void Picker::showPopup()
 {
-    if (!isVisible() || !isEnabled())
+    if (menu() || !isVisible() || !isEnabled())
         return;
     auto menu = MenuPresenter::makeMenu();
     menu->setMinimumWidth(width());
@@ -87,9 +157,9 @@ void Picker::showPopup()
     connect(menu.get(), &QMenu::aboutToHide, this, [this] { update(); });
     // Rows have their controls at the right: so the menu's edge is the picker's.
     const QPoint corner(width() - menu->sizeHint().width(), height() + 2);
-    QMenu *shown = MenuPresenter::popUp(std::move(menu), *this, corner);
+    m_menu = MenuPresenter::popUp(std::move(menu), *this, corner);
     if (m_focus->isShown() && active)
-        shown->setActiveAction(active);
+        m_menu->setActiveAction(active);
 }
 
 QSize Picker::sizeHint() const

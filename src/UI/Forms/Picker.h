@@ -4,8 +4,11 @@
 #include <functional>
 
 #include <QComboBox>
+#include <QPointer>
 
 #include "UI/Controls/IconImage.h"
+
+class QMenu;
 
 namespace tovi {
 
@@ -29,6 +32,10 @@ public:
     /// Runs when the user has chosen, never for setTag().
     void onPick(std::function<void(const QString &tag)> picked);
 
+    /// What the button shows: the chosen entry, or the tag that is none.
+    QString shownTitle() const { return currentIndex() < 0 ? placeholderText() : currentText(); }
+    /// The open menu, or none.
+    QMenu *menu() const;
     void showPopup() override;
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -41,12 +48,12 @@ protected:
 
 private:
     int widthFor(const QString &title) const;
-    QString shownTitle() const { return currentIndex() < 0 ? placeholderText() : currentText(); }
     IconImage shownImage() const;
 
     KeyboardFocus *m_focus;
     QList<IconImage> m_images;
     IconImage m_otherImage; ///< while nothing is chosen
+    QPointer<QMenu> m_menu;
 };
 
 } // namespace tovi

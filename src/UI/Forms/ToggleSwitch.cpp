@@ -12,10 +12,12 @@
 namespace tovi {
 
 ToggleSwitch::ToggleSwitch(QWidget *parent)
-    : QCheckBox(parent)
+    : QAbstractButton(parent)
     , m_focus(new KeyboardFocus(this))
 {
     setFixedSize(sizeHint());
+    setCheckable(true);
+    setFocusPolicy(Qt::StrongFocus);
     m_slide.setEasingCurve(QEasingCurve::InOutQuad);
     connect(&m_slide, &QVariantAnimation::valueChanged, this, [this] { update(); });
 }
@@ -23,7 +25,7 @@ ToggleSwitch::ToggleSwitch(QWidget *parent)
 void ToggleSwitch::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter)
-        QCheckBox::keyPressEvent(event);
+        QAbstractButton::keyPressEvent(event);
     else if (!event->isAutoRepeat())
         click();
 }
@@ -31,7 +33,7 @@ void ToggleSwitch::keyPressEvent(QKeyEvent *event)
 void ToggleSwitch::nextCheckState()
 {
     const double from = knobPlace();
-    QCheckBox::nextCheckState();
+    QAbstractButton::nextCheckState();
     m_slide.stop();
     m_slide.setStartValue(from);
     m_slide.setEndValue(isChecked() ? 1.0 : 0.0);

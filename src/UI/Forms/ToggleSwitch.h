@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QCheckBox>
+#include <QAbstractButton>
 #include <QVariantAnimation>
 
 namespace tovi {
 
 class KeyboardFocus;
 
-/// A switch: a check box that looks like one that slides.
-class ToggleSwitch : public QCheckBox
+/// A switch that slides; to assistive programs a check box.
+class ToggleSwitch : public QAbstractButton
 {
     Q_OBJECT
 
@@ -20,7 +20,6 @@ public:
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
-    bool hitButton(const QPoint &point) const override { return rect().contains(point); }
     void keyPressEvent(QKeyEvent *event) override;
     void nextCheckState() override;
     void paintEvent(QPaintEvent *event) override;

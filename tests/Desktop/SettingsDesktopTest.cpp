@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+// The settings and the welcome window, worked by real clicks and keys.
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include "Desktop/ProgramFixture.h"
+
+namespace tovi {
+namespace {
+
+class SettingsDesktop : public ProgramDesktop
+{
+protected:
+    std::optional<AccessibleTree::Node> find(const QString &role, const QString &name)
+    {
+        std::optional<AccessibleTree::Node> found;
+        DesktopSession::eventually([&] {
+            for (const AccessibleTree::Node &node : AccessibleTree::read(tovi->processId())) {
+                if (node.role == role && node.name == name && !node.extents.isEmpty())
+                    found = node;
+            }
+            return found.has_value();
+        });
+        return found;
+    }
+    bool click(const char *role, const char *name)
+    {
+        const auto node = find(QLatin1String(role), QString::fromUtf8(name));
+        if (node)
+            desktop.click(node->extents.center());
+        return node.has_value();
+    }
+    bool isStored(const char *key, const QJsonValue &value)
+    {
+        return DesktopSession::eventually([&] {
+            QFile file(settingsFile(QStringLiteral("defaults.json")));
+            return file.open(QFile::ReadOnly) &&
+                   QJsonDocument::fromJson(file.readAll()).object().value(QLatin1String(key)) == value;
+        });
+    }
+    bool isGone(const QString &title)
+    {
+        return DesktopSession::eventually([&] {
+            const auto nodes = AccessibleTree::read(tovi->processId());
+            return !nodes.isEmpty() && std::none_of(nodes.begin(), nodes.end(), [&](const auto &node) {
+                return node.role == QLatin1String("frame") && node.name == title;
+            });
+        });
+    }
+};
+
+TEST_F(SettingsDesktop, PanesAreWorkedByMouseAndKeys)
+{
+    writeDemoSettings(desktop, {onDeviceEngine()}, {{QStringLiteral("appLanguage"), QStringLiteral("en")}});
+    startProgram();
+    desktop.start(program, {QStringLiteral("--settings")});
+    const xcb_window_t window = desktop.waitForWindow(QStringLiteral("Tovi Settings"));
+    ASSERT_TRUE(window);
+    EXPECT_EQ(desktop.title(window), QStringLiteral("Tovi Settings"));
+
+    ASSERT_TRUE(click("check box", "Show phonetics and definitions for English words"));
+    EXPECT_TRUE(isStored("enableDictionary", false));
+    desktop.pressKey(XK_space);
+    EXPECT_TRUE(isStored("enableDictionary", true));
+    // The trigger, the position, then the width.
+    for (int i = 0; i < 3; ++i)
+        desktop.pressKey(XK_Tab);
+    desktop.pressKey(XK_Right);
+    EXPECT_TRUE(isStored("resultPanelWidth", 390));
+
+    desktop.pressKey(XK_Home);
+    EXPECT_TRUE(isStored("resultPanelWidth", 300));
+    for (int i = 0; i < 7; ++i)
+        desktop.pressKey(XK_Tab, {XK_Shift_L});
+    ASSERT_TRUE(click("combo box", "Interface Language: English"));
+    ASSERT_TRUE(click("menu item", "Deutsch"));
+    EXPECT_TRUE(isStored("appLanguage", QStringLiteral("de")));
+    EXPECT_TRUE(DesktopSession::eventually(
+        [&] { return desktop.title(window) == QStringLiteral("Tovi-Einstellungen"); }));
+    EXPECT_TRUE(find(QStringLiteral("label"), QStringLiteral("Zielsprache")));
+
+    ASSERT_TRUE(click("radio button", "Berechtigungen"));
+    EXPECT_TRUE(find(QStringLiteral("push button"), QStringLiteral("Status aktualisieren")));
+    desktop.pressKey(XK_Left);
+    EXPECT_TRUE(find(QStringLiteral("push button"), QStringLiteral("Auf Standardwerte zurücksetzen")));
+    desktop.pressKey(XK_F4, {XK_Alt_L});
+    EXPECT_TRUE(isGone(QStringLiteral("Tovi-Einstellungen")));
+    EXPECT_EQ(tovi->state(), QProcess::Running);
+}
+
+TEST_F(SettingsDesktop, ANewUserIsWelcomedOnce)
+{
+    writeDemoSettings(desktop, {onDeviceEngine()},
+                      {{QStringLiteral("appLanguage"), QStringLiteral("en")},
+                       {QStringLiteral("hasCompletedOnboarding"), false}});
+    startProgram();
+    const QString title = QStringLiteral("Welcome to Tovi");
+    ASSERT_TRUE(desktop.waitForWindow(title));
+    ASSERT_TRUE(find(QStringLiteral("push button"), QStringLiteral("Get Started")));
+    desktop.pressKey(XK_Return);
+    EXPECT_TRUE(isGone(title));
+    EXPECT_TRUE(isStored("hasCompletedOnboarding", true));
+}
+
+} // namespace
+} // namespace tovi

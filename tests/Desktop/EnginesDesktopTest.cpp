@@ -39,7 +39,7 @@ protected:
         ASSERT_TRUE(tovi && trace.next("ready"));
         window = desktop.waitForWindow(QStringLiteral("Tovi Settings"));
         ASSERT_TRUE(window);
-        ASSERT_TRUE(click(pane));
+        ASSERT_TRUE(click(pane, QStringLiteral("radio button")));
     }
     QList<Node> nodes(const QString &name, const QString &role = {}) const
     {
@@ -130,7 +130,8 @@ TEST_F(EnginesDesktop, AnEngineIsAddedEditedTestedCopiedAndRemoved)
     ASSERT_TRUE(click(QStringLiteral("Duplicate"), pushButton));
     ASSERT_TRUE(shows(QStringLiteral("OpenAI-compatible Copy, one")));
     ASSERT_TRUE(click(QStringLiteral("Chat, demo"), listItem, 3));
-    ASSERT_TRUE(click(QStringLiteral("Set as Default"), QStringLiteral("menu item")));
+    desktop.pressKey(XK_Down);
+    desktop.pressKey(XK_Return);
     ASSERT_TRUE(shows(QStringLiteral("Chat, demo, Default")));
     ASSERT_TRUE(click(QStringLiteral("Remove"), pushButton));
     ASSERT_TRUE(hides(QStringLiteral("OpenAI-compatible Copy, one")));

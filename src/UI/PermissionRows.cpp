@@ -95,13 +95,13 @@ PermissionRows::PermissionRows(Buttons buttons, QObject *owner)
                                         SystemPreferences::accessibility,
                                         [this] {
                                             Platform::current().accessibility().requestTrust();
-                                            refreshAfterRequest();
+                                            refreshNowAndLater();
                                         }))
     , m_screenRecording(new PermissionRow(Str::screenPerm, Str::screenPermDesc, buttons,
                                           SystemPreferences::screenCapture,
                                           [this] {
                                               Platform::current().screenCapture().requestAccess();
-                                              refreshAfterRequest();
+                                              refreshNowAndLater();
                                           }))
     , m_automation(new PermissionRow(Str::automationPerm, Str::automationPermDesc, buttons,
                                      SystemPreferences::automation, {}))
@@ -122,7 +122,7 @@ void PermissionRows::refresh()
     m_screenRecording->setGranted(Platform::current().screenCapture().preflightAccess());
 }
 
-void PermissionRows::refreshAfterRequest()
+void PermissionRows::refreshNowAndLater()
 {
     refresh();
     m_laterRefresh = Platform::current().clock().after(500ms, [this] { refresh(); });
@@ -132,7 +132,7 @@ bool PermissionRows::eventFilter(QObject *watched, QEvent *event)
 {
     // Whoever comes back from the desktop's settings sees what has changed there.
     if (event->type() == QEvent::Show || event->type() == QEvent::WindowActivate)
-        refresh();
+        refreshNowAndLater();
     return QObject::eventFilter(watched, event);
 }
 

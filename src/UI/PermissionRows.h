@@ -38,8 +38,8 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    /// Reads at once and once more a little later: desktops answer when they come to it.
-    void refreshAfterRequest();
+    /// Once more a little later, too: desktops answer a request when they come to it.
+    void refreshNowAndLater();
 
     PermissionRow *m_accessibility;
     PermissionRow *m_screenRecording;

@@ -132,7 +132,9 @@ bool SettingsToolbar::eventFilter(QObject *watched, QEvent *event)
     if (event->type() != QEvent::KeyPress)
         return QWidget::eventFilter(watched, event);
     const int key = static_cast<QKeyEvent *>(event)->key();
-    const int step = key == Qt::Key_Right ? 1 : key == Qt::Key_Left ? -1 : 0;
+    const int step = key == Qt::Key_Right || key == Qt::Key_Down ? 1
+                     : key == Qt::Key_Left || key == Qt::Key_Up  ? -1
+                                                                 : 0;
     if (step == 0)
         return QWidget::eventFilter(watched, event);
     const qsizetype at = m_items.indexOf(static_cast<QAbstractButton *>(watched));

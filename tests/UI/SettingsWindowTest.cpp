@@ -401,7 +401,11 @@ TEST_F(OnboardingTest, EveryWayOutCompletesIt)
 TEST_F(OnboardingTest, WhatIsGrantedHasNoButtonsInAnyLanguage)
 {
     platform.screenCapture().allowed = false;
+    platform.accessibility().trusted = false; // the launch has just asked
     OnboardingWindowController::shared().show();
+    EXPECT_TRUE(rowButton(Str::openSettings, Str::accessibilityPerm));
+    platform.accessibility().trusted = true;
+    platform.clock().advance(1s);
     for (const AppLanguage language : AppLanguages::all()) {
         Localization::shared().language = language;
         drainMainQueue();

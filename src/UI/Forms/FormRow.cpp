@@ -81,9 +81,4 @@ void FormRow::addControl(QWidget *control)
     m_line->addWidget(control, 0, Qt::AlignVCenter);
 }
 
-void FormRow::setLeading(QWidget *widget)
-{
-    m_line->insertWidget(0, widget, 0, Qt::AlignVCenter);
-}
-
 } // namespace tovi

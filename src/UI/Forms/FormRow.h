@@ -24,8 +24,6 @@ public:
     void setWarnings(const QStringList &texts);
     /// Another control behind the one at the end.
     void addControl(QWidget *control);
-    /// Anything before the title, such as a status symbol.
-    void setLeading(QWidget *widget);
 
 private:
     FormLabel *m_title;

@@ -62,18 +62,18 @@ QWidget *padded(QWidget *widget, QWidget *control)
 
 FormSection::FormSection(const QString &title, QWidget *parent)
     : QWidget(parent)
-    , m_column(new QVBoxLayout(this))
     , m_group(new Group)
 {
-    m_column->setContentsMargins(0, 0, 0, 0);
-    m_column->setSpacing(6);
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(6);
     if (!title.isEmpty()) {
         auto *header = new FormLabel(FormLabel::Role::header, title);
         header->setContentsMargins(4, 0, 4, 0);
-        m_column->addWidget(header);
+        column->addWidget(header);
         setAccessibleName(title);
     }
-    m_column->addWidget(m_group);
+    column->addWidget(m_group);
     m_group->hide(); // while it is empty
 }
 
@@ -95,11 +95,6 @@ void FormSection::addWidget(QWidget *widget)
 {
     m_group->layout()->addWidget(padded(widget, nullptr));
     m_group->show();
-}
-
-void FormSection::addFooter(QWidget *widget)
-{
-    m_column->addWidget(widget);
 }
 
 } // namespace tovi

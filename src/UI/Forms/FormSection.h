@@ -3,8 +3,6 @@
 
 #include <QWidget>
 
-class QBoxLayout;
-
 namespace tovi {
 
 class FormRow;
@@ -23,11 +21,8 @@ public:
     void addHint(const QString &text, QWidget *control = nullptr);
     /// Any widget as a row, with the usual room around it.
     void addWidget(QWidget *widget);
-    /// A widget under the group, such as a button.
-    void addFooter(QWidget *widget);
 
 private:
-    QBoxLayout *m_column;
     QWidget *m_group;
 };
 

@@ -26,7 +26,7 @@ constexpr int gap = 7;
 constexpr double iconSide = 14;
 constexpr int longestWidth = 260;
 
-/// The toolkit's own tells neither what the choice is for nor of our menu.
+/// The toolkit's own does not tell of our menu.
 class AccessiblePicker : public QAccessibleWidget
 {
 public:
@@ -36,12 +36,13 @@ public:
 
     QString text(QAccessible::Text kind) const override
     {
-        const QString name = picker()->accessibleName();
         if (kind == QAccessible::Value)
             return picker()->shownTitle();
+        // As the toolkit has it: the name is what is chosen, and the label, if there is one, tells for what.
         if (kind == QAccessible::Name)
-            return name.isEmpty() ? picker()->shownTitle()
-                                  : name + QStringLiteral(": ") + picker()->shownTitle();
+            return relations(QAccessible::Label).isEmpty()
+                       ? picker()->accessibleName() + QStringLiteral(": ") + picker()->shownTitle()
+                       : picker()->shownTitle();
         return QAccessibleWidget::text(kind);
     }
     QAccessible::State state() const override

@@ -40,6 +40,8 @@ private:
     void ungrab(Grab &grab) const;
     void pressed(const xcb_key_press_event_t &event);
     void letGo(const xcb_key_press_event_t &event);
+    bool isDown(xcb_keycode_t keycode) const;
+    void watchRelease(xcb_keycode_t keycode);
     void keyboardChanged();
 
     X11RawInput &m_rawInput;

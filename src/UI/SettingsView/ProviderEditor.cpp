@@ -2,13 +2,11 @@
 #include "UI/SettingsView/ProviderEditor.h"
 
 #include <algorithm>
-#include <optional>
 #include <utility>
 
 #include <QBoxLayout>
 #include <QEvent>
 #include <QPainter>
-#include <QPointer>
 #include <QSignalBlocker>
 
 #include "Endpoints.h"
@@ -26,17 +24,16 @@
 #include "UI/Forms/FormStyle.h"
 #include "UI/Forms/FormTextField.h"
 #include "UI/Forms/Picker.h"
-#include "UI/Forms/SymbolView.h"
 #include "UI/Forms/ToggleSwitch.h"
 #include "UI/OverlayScrollBar.h"
+#include "UI/SettingsView/ProviderTestRow.h"
 #include "UI/SettingsView/ProviderTestState.h"
-#include "UI/Spinner.h"
 
 namespace tovi {
 
 namespace {
 
-constexpr int margin = 14;
+constexpr int margin = 12;
 constexpr int promptHeight = 132;
 
 QString t(Str key)
@@ -82,38 +79,6 @@ protected:
 private:
     EditableTextView *m_text;
 };
-
-/// A control that is disabled loses the keyboard; here it gets it back, unless the user has gone on.
-void setEnabledKeepingFocus(QWidget &control, bool isEnabled)
-{
-    constexpr const char *hadFocus = "hadFocus";
-    if (isEnabled == control.isEnabled())
-        return;
-    if (!isEnabled) {
-        control.setProperty(hadFocus, control.hasFocus());
-        control.clearFocus();
-    }
-    control.setEnabled(isEnabled);
-    if (isEnabled && control.property(hadFocus).toBool() && !control.window()->focusWidget())
-        control.setFocus(control.underMouse() ? Qt::MouseFocusReason : Qt::TabFocusReason);
-}
-
-/// Labels break lines between words only, and what a server says may be one long word.
-QString breakable(const QString &text)
-{
-    constexpr int longestWord = 16;
-    QString result;
-    int length = 0;
-    for (const QChar c : text) {
-        length = c.isSpace() ? 0 : length + 1;
-        if (length > longestWord && !c.isLowSurrogate() && !c.isMark()) {
-            result += QChar(0x200b);
-            length = 1;
-        }
-        result += c;
-    }
-    return result;
-}
 
 } // namespace
 
@@ -269,41 +234,10 @@ void ProviderEditor::addDescription(ProviderKind kind, const QString &text)
 
 void ProviderEditor::addTest()
 {
-    auto *button = new FormButton(t(Str::testConnection));
-    auto *spinner = new Spinner;
-    auto *symbol = new SymbolView(FormStyle::bodySize);
-    auto *message = new FormLabel(FormLabel::Role::success);
-    auto *row = new QWidget;
-    auto *line = new QHBoxLayout(row);
-    line->setContentsMargins(0, 0, 0, 0);
-    line->setSpacing(8);
-    line->addWidget(button, 0, Qt::AlignTop);
-    line->addWidget(spinner);
-    line->addWidget(symbol);
-    line->addWidget(message, 1);
-    line->addStretch(0);
+    auto *row = new ProviderTestRow;
     addWidget(row);
-    connect(button, &QPushButton::clicked, this, [this] { runTest(); });
-
-    follow([this, button, spinner, symbol, message, shown = std::optional<ProviderTestState>()]() mutable {
-        using Kind = ProviderTestState::Kind;
-        const ProviderTestState &state = m_test->state;
-        // Screen readers are told of each assignment of a name, new or not.
-        if (std::exchange(shown, state) == state)
-            return;
-        const bool isDone = state.kind == Kind::success || state.kind == Kind::failure;
-        const bool isSuccess = state.kind == Kind::success;
-        setEnabledKeepingFocus(*button, state.kind != Kind::running);
-        spinner->setVisible(state.kind == Kind::running);
-        symbol->setVisible(isDone);
-        message->setVisible(isDone);
-        symbol->setSymbol(isSuccess ? QStringLiteral("checkmark.circle.fill")
-                                    : QStringLiteral("xmark.octagon.fill"),
-                          isSuccess ? SymbolView::Tint::green : SymbolView::Tint::red);
-        message->setRole(isSuccess ? FormLabel::Role::success : FormLabel::Role::failure);
-        message->setText(breakable(state.message));
-        message->setAccessibleName(state.message);
-    });
+    connect(row->button(), &QPushButton::clicked, this, [this] { runTest(); });
+    follow([this, row] { row->show(m_test->state); });
 }
 
 void ProviderEditor::addText(FormSection &section, const QString &title, QString ProviderConfig::*member,

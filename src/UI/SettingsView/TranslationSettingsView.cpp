@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "UI/SettingsView/TranslationSettingsView.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <QBoxLayout>
@@ -15,6 +16,7 @@
 #include "UI/Controls/IconButton.h"
 #include "UI/Controls/MenuPresenter.h"
 #include "UI/Controls/SystemColor.h"
+#include "UI/Forms/CapsuleBadge.h"
 #include "UI/Forms/FormStyle.h"
 #include "UI/SettingsView/ProviderEditor.h"
 #include "UI/SettingsView/ProviderList.h"
@@ -25,6 +27,8 @@ namespace tovi {
 namespace {
 
 constexpr int sidebarWidth = 190;
+constexpr int widestSidebar = 208;
+constexpr int usualBadge = 56;
 constexpr int margin = 8;
 
 QString t(Str key)
@@ -141,7 +145,9 @@ QWidget *TranslationSettingsView::makeSidebar()
     buttons->addStretch(1);
 
     auto *sidebar = new QWidget;
-    sidebar->setFixedWidth(sidebarWidth);
+    // Where the badge has a long word, it should leave some room to the name beside it.
+    const int badge = CapsuleBadge::sizeOf(t(Str::providerDefaultBadge)).width();
+    sidebar->setFixedWidth(std::clamp(sidebarWidth + badge - usualBadge, sidebarWidth, widestSidebar));
     auto *column = new QVBoxLayout(sidebar);
     // The scroll bar's place is part of the margin.
     column->setContentsMargins(margin, margin, 0, margin);

@@ -41,6 +41,7 @@ struct FrontWorkspace final : Workspace
     QList<Screen> screens() override { return {}; }
     std::optional<Screen> mainScreen() override { return {}; }
     std::optional<QPointF> mouseLocation() override { return {}; }
+    void open(const QString &) override {}
     std::shared_ptr<FrontWindow> front = std::make_shared<FrontWindow>();
 };
 

@@ -111,6 +111,25 @@ protected:
         return texts.join(QLatin1Char('\n')).toStdString();
     }
 
+    /// What Tab does not come to; of the panes' items only the selected one is to be reached.
+    qsizetype countUnreachable()
+    {
+        QSet<QWidget *> left;
+        for (QWidget *widget : window()->findChildren<QWidget *>()) {
+            const auto *button = qobject_cast<QAbstractButton *>(widget);
+            const bool isControl =
+                button || qobject_cast<Picker *>(widget) || qobject_cast<FormSlider *>(widget);
+            if (isControl && widget->isVisible() &&
+                !(button && button->autoExclusive() && !button->isChecked()))
+                left << widget;
+        }
+        for (qsizetype presses = left.size() + 1; presses > 0; --presses) {
+            left.remove(window()->focusWidget());
+            press(window()->focusWidget(), Qt::Key_Tab);
+        }
+        return left.size();
+    }
+
     TestPlatform platform;
 };
 
@@ -339,6 +358,15 @@ TEST_F(SettingsWindowTest, PermissionsAreReadAgainAndAskedFor)
     EXPECT_EQ(symbols(), QStringList({granted, refused, unknown}));
 }
 
+TEST_F(SettingsWindowTest, TheKeyboardReachesEverything)
+{
+    platform.accessibility().trusted = false;
+    for (const SettingsPane pane : SettingsPanes::all()) {
+        show(pane);
+        EXPECT_EQ(countUnreachable(), 0) << qPrintable(SettingsPanes::rawValue(pane));
+    }
+}
+
 TEST_F(SettingsWindowTest, NothingIsCutOffInAnyLanguage)
 {
     platform.accessibility().trusted = false;
@@ -421,6 +449,7 @@ TEST_F(OnboardingTest, WhatIsGrantedHasNoButtonsInAnyLanguage)
     drainMainQueue();
     EXPECT_TRUE(rowButton(Str::request, Str::accessibilityPerm));
     EXPECT_EQ(cutOff(), "");
+    EXPECT_EQ(countUnreachable(), 0);
 }
 
 } // namespace

@@ -111,7 +111,10 @@ TEST_F(EnginesDesktop, AnEngineIsAddedEditedTestedCopiedAndRemoved)
     };
     const Case cases[] = {
         {"", QStringLiteral("Please fill in a model name")},
+        {"401", QStringLiteral("API key is invalid or lacks permission")},
         {"404", QStringLiteral("Endpoint or model not found")},
+        {"429", QStringLiteral("Rate limited or quota exceeded")},
+        {"500", QStringLiteral("Server error")},
         {"one", QStringLiteral("Connection OK: Hola from one")},
     };
     for (const Case &c : cases) {
@@ -124,7 +127,7 @@ TEST_F(EnginesDesktop, AnEngineIsAddedEditedTestedCopiedAndRemoved)
         ASSERT_TRUE(shows(c.outcome));
         tab(5, {XK_Shift_L});
     }
-    ASSERT_EQ(server.requests().size(), 2);
+    ASSERT_EQ(server.requests().size(), 5) << "without a model nothing is sent";
     EXPECT_EQ(server.requests().last().header("Authorization"), "Bearer hush");
 
     ASSERT_TRUE(click(QStringLiteral("Duplicate"), pushButton));

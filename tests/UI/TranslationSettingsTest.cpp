@@ -12,6 +12,7 @@
 #include "Settings.h"
 #include "Support/Await.h"
 #include "Support/TestPlatform.h"
+#include "Translation/Translator.h"
 #include "UI/Controls/IconButton.h"
 #include "UI/Forms/CapsuleBadge.h"
 #include "UI/Forms/FormButton.h"
@@ -267,6 +268,9 @@ TEST_F(TranslationSettings, APaneMayGoWhileItsTestRuns)
     };
     open(session);
     EXPECT_TRUE(waitUntil([&] { return isAnswered; }));
+    // It has ended when a later one has.
+    platform.translationFramework().onOpen = [this](auto &request) { request.handler(session); };
+    await(Translator::shared().testConnection(Settings::shared().providers->at(1)));
     drainMainQueue();
 }
 

@@ -136,7 +136,7 @@ void ProviderEditor::setIcon(const QString &identifier)
 void ProviderEditor::runTest()
 {
     if (m_test->state->kind != ProviderTestState::Kind::running)
-        run(m_test, provider());
+        ProviderTest::run(m_test, provider());
 }
 
 void ProviderEditor::addIdentity()

@@ -167,12 +167,11 @@ void ProviderList::showProviders(const QList<ProviderConfig> &providers, const Q
 }
 
 QItemSelectionModel::SelectionFlags ProviderList::selectionCommand(const QModelIndex &index,
-                                                                   const QEvent *event) const
+                                                                   const QEvent *) const
 {
     // There is no way to select nothing.
     if (!index.isValid())
         return QItemSelectionModel::NoUpdate;
-    Q_UNUSED(event)
     return QItemSelectionModel::ClearAndSelect;
 }
 

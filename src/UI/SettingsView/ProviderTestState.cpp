@@ -8,7 +8,7 @@
 
 namespace tovi {
 
-QCoro::Task<> run(std::shared_ptr<ProviderTest> test, ProviderConfig config)
+QCoro::Task<> ProviderTest::run(std::shared_ptr<ProviderTest> test, ProviderConfig config)
 {
     using Kind = ProviderTestState::Kind;
     test->state = ProviderTestState{Kind::running, {}};

@@ -26,10 +26,10 @@ struct ProviderTestState
 class ProviderTest : public Observable
 {
 public:
+    /// One translation with the engine as it stands in the settings, else with this record. Never throws.
+    static QCoro::Task<> run(std::shared_ptr<ProviderTest> test, ProviderConfig config);
+
     Published<ProviderTestState> state{this, {}};
 };
-
-/// One translation with the engine as it stands in the settings, else with this record. Never throws.
-QCoro::Task<> run(std::shared_ptr<ProviderTest> test, ProviderConfig config);
 
 } // namespace tovi

@@ -73,22 +73,27 @@ public:
         const QRectF icon(room.x(), room.y() + (rowHeight - iconSide) / 2.0, iconSide, iconSide);
         ProviderIcon::image(index.data(iconRole).toString(), iconSide).paint(*painter, icon, color);
         room.setLeft(room.left() + iconSide + gap);
-        if (index.data(isDefaultRole).toBool()) {
-            const QSize size = CapsuleBadge::sizeOf(badge());
-            const QPoint corner(room.right() + 1 - size.width(), room.y() + (rowHeight - size.height()) / 2);
-            CapsuleBadge::paint(*painter, QRect(corner, size), badge(), color,
-                                isSelected ? color : secondary);
-            room.setRight(corner.x() - gap);
-        }
-        const QFont title = FormStyle::font(FormStyle::bodySize);
+        const QFont font = FormStyle::font(FormStyle::bodySize);
         const QFont small = FormStyle::font(10);
-        const int titleHeight = QFontMetrics(title).height();
         const int smallHeight = QFontMetrics(small).height();
-        const int top = room.y() + (rowHeight - titleHeight - smallHeight) / 2;
-        paintText(*painter, QRect(room.x(), top, room.width(), titleHeight), title, color,
-                  index.data().toString());
-        paintText(*painter, QRect(room.x(), top + titleHeight, room.width(), smallHeight), small, secondary,
-                  index.data(subtitleRole).toString());
+        QRect title(room.x(), 0, room.width(), QFontMetrics(font).height());
+        title.moveTop(room.y() + (rowHeight - title.height() - smallHeight) / 2);
+        QRect below(room.x(), title.bottom() + 1, room.width(), smallHeight);
+        const QString subtitle = index.data(subtitleRole).toString();
+        if (index.data(isDefaultRole).toBool()) {
+            QRect place(QPoint(), CapsuleBadge::sizeOf(badge()));
+            place.moveCenter(room.center());
+            place.moveRight(room.right());
+            title.setRight(place.left() - gap);
+            // In the middle of the row where that cuts nothing off.
+            if (QFontMetrics(small).horizontalAdvance(subtitle) <= title.width())
+                below.setRight(title.right());
+            else
+                place.moveCenter({place.center().x(), title.center().y()});
+            CapsuleBadge::paint(*painter, place, badge(), color, isSelected ? color : secondary);
+        }
+        paintText(*painter, title, font, color, index.data().toString());
+        paintText(*painter, below, small, secondary, subtitle);
         painter->restore();
     }
 

@@ -133,8 +133,7 @@ TEST_F(EnginesDesktop, AnEngineIsAddedEditedTestedCopiedAndRemoved)
     ASSERT_TRUE(click(QStringLiteral("Duplicate"), pushButton));
     ASSERT_TRUE(shows(QStringLiteral("OpenAI-compatible Copy, one")));
     ASSERT_TRUE(click(QStringLiteral("Chat, demo"), listItem, 3));
-    desktop.pressKey(XK_Down);
-    desktop.pressKey(XK_Return);
+    ASSERT_TRUE(click(QStringLiteral("Set as Default"), QStringLiteral("menu item")));
     ASSERT_TRUE(shows(QStringLiteral("Chat, demo, Default")));
     ASSERT_TRUE(click(QStringLiteral("Remove"), pushButton));
     ASSERT_TRUE(hides(QStringLiteral("OpenAI-compatible Copy, one")));

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include <QAccessibleWidget>
 #include <QBoxLayout>
 #include <QMenu>
 #include <QPainter>
@@ -36,6 +37,37 @@ QString t(Str key)
     return Localization::shared().t(key);
 }
 
+/// With the open menu as its last child: assistive programs do not come to menus of no window.
+class AccessiblePane final : public QAccessibleWidget
+{
+public:
+    explicit AccessiblePane(TranslationSettingsView *pane)
+        : QAccessibleWidget(pane, QAccessible::Client)
+    {}
+
+    int childCount() const override { return QAccessibleWidget::childCount() + (menu() ? 1 : 0); }
+    QAccessibleInterface *child(int index) const override
+    {
+        return menu() && index == QAccessibleWidget::childCount()
+                   ? QAccessible::queryAccessibleInterface(menu())
+                   : QAccessibleWidget::child(index);
+    }
+    int indexOfChild(const QAccessibleInterface *child) const override
+    {
+        return child && menu() && child->object() == menu() ? QAccessibleWidget::childCount()
+                                                            : QAccessibleWidget::indexOfChild(child);
+    }
+
+private:
+    QMenu *menu() const { return static_cast<TranslationSettingsView *>(widget())->menu(); }
+};
+
+QAccessibleInterface *accessibleFor(const QString &, QObject *object)
+{
+    auto *pane = qobject_cast<TranslationSettingsView *>(object);
+    return pane ? new AccessiblePane(pane) : nullptr;
+}
+
 /// A thin line along one side.
 class Line final : public QWidget
 {
@@ -65,6 +97,7 @@ TranslationSettingsView::TranslationSettingsView(Settings &settings, QWidget *pa
     , m_test(std::make_shared<ProviderTest>())
     , m_columns(new QHBoxLayout(this))
 {
+    [[maybe_unused]] static const bool isInstalled = (QAccessible::installFactory(accessibleFor), true);
     m_columns->setContentsMargins(0, 0, 0, 0);
     m_columns->setSpacing(0);
     m_columns->addWidget(makeSidebar());
@@ -177,7 +210,12 @@ void TranslationSettingsView::showMenu(const QUuid &id, const QPoint &at)
     });
     menu->addSeparator();
     add(Str::providerRemove, canRemove(id), [this, id] { m_settings.removeProvider(id); });
-    MenuPresenter::popUp(std::move(menu), *m_list, at);
+    m_menu = MenuPresenter::popUp(std::move(menu), *m_list, at);
+}
+
+QMenu *TranslationSettingsView::menu() const
+{
+    return m_menu && m_menu->isVisible() ? m_menu : nullptr;
 }
 
 bool TranslationSettingsView::canRemove(const QUuid &id) const

@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 
+#include <QPointer>
 #include <QUuid>
 #include <QWidget>
 
@@ -11,6 +12,7 @@
 #include "ProviderConfig.h"
 
 class QBoxLayout;
+class QMenu;
 
 namespace tovi {
 
@@ -34,6 +36,8 @@ public:
     void duplicate(const ProviderConfig &config);
     bool canRemoveSelected() const;
     void removeSelected();
+    /// The open menu of an engine, or none.
+    QMenu *menu() const;
 
 private:
     QWidget *makeSidebar();
@@ -47,6 +51,7 @@ private:
     std::shared_ptr<ProviderTest> m_test;
     ProviderList *m_list = nullptr;
     IconButton *m_remove = nullptr;
+    QPointer<QMenu> m_menu;
     QBoxLayout *m_columns;
     ProviderEditor *m_editor = nullptr;
     bool m_isRefreshPending = false;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 
 #include <QtGlobal>
 
@@ -26,6 +27,9 @@ public:
     virtual void setHandler(Handler handler) = 0;
     virtual Registration registerHotKey(quint32 number, quint32 keyCode, quint32 modifiers) = 0;
     virtual void unregisterHotKey(quint32 number) = 0;
+    /// The code of the key at a place of the keyboard, as a window's key event tells it (native scan code);
+    /// none for a key that cannot be part of a shortcut.
+    virtual std::optional<quint32> keyCodeAt(quint32 nativeScanCode) const = 0;
 };
 
 } // namespace tovi

@@ -6,7 +6,9 @@
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QScrollBar>
 #include <QTextDocument>
+#include <QWheelEvent>
 
 #include "UI/OverlayScrollBar.h"
 #include "UI/TextEditing.h"
@@ -70,6 +72,15 @@ void EditableTextView::keyPressEvent(QKeyEvent *event)
 void EditableTextView::contextMenuEvent(QContextMenuEvent *event)
 {
     showEditMenu(*this, event->pos());
+}
+
+void EditableTextView::wheelEvent(QWheelEvent *event)
+{
+    // A bar that is disabled, as there is nothing to scroll, would keep the event from the view behind.
+    if (verticalScrollBar()->isEnabled())
+        QPlainTextEdit::wheelEvent(event);
+    else
+        event->ignore();
 }
 
 void EditableTextView::insertFromMimeData(const QMimeData *source)

@@ -28,6 +28,7 @@ signals:
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
     void insertFromMimeData(const QMimeData *source) override;
 
 private:

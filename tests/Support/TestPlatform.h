@@ -119,6 +119,11 @@ struct TestHotKeyCenter final : HotKeyCenter
         return Registration::Registered;
     }
     void unregisterHotKey(quint32 number) override { registered.erase(number); }
+    /// The keyboard of this desktop counts its keys from 100.
+    std::optional<quint32> keyCodeAt(quint32 nativeScanCode) const override
+    {
+        return nativeScanCode < 100 ? std::nullopt : std::optional(nativeScanCode - 100);
+    }
     /// A key press as the desktop delivers it: false when nobody registered the keys.
     bool press(quint32 keyCode, quint32 modifiers)
     {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLineEdit>
+#include <QListView>
 #include <gtest/gtest.h>
 
 #include "HotKeyStatus.h"
@@ -117,9 +119,10 @@ protected:
         QSet<QWidget *> left;
         for (QWidget *widget : window()->findChildren<QWidget *>()) {
             const auto *button = qobject_cast<QAbstractButton *>(widget);
-            const bool isControl =
-                button || qobject_cast<Picker *>(widget) || qobject_cast<FormSlider *>(widget);
-            if (isControl && widget->isVisible() &&
+            const bool isControl = button || qobject_cast<Picker *>(widget) ||
+                                   qobject_cast<FormSlider *>(widget) || qobject_cast<QLineEdit *>(widget) ||
+                                   qobject_cast<QListView *>(widget);
+            if (isControl && widget->isVisible() && widget->isEnabled() &&
                 !(button && button->autoExclusive() && !button->isChecked()))
                 left << widget;
         }

@@ -40,6 +40,9 @@ HotKeyCenter::Registration X11HotKeyCenter::registerHotKey(quint32 number, quint
     if (!grab(wanted))
         return Registration::Refused;
     m_grabs.emplace(number, wanted);
+    // Whoever has just recorded these keys still holds them: their repetition is no press.
+    if (m_rawInput.isPresent() && isDown(wanted.keycode))
+        watchRelease(wanted.keycode);
     return Registration::Registered;
 }
 
@@ -50,6 +53,11 @@ void X11HotKeyCenter::unregisterHotKey(quint32 number)
         return;
     ungrab(it->second);
     m_grabs.erase(it);
+}
+
+std::optional<quint32> X11HotKeyCenter::keyCodeAt(quint32 nativeScanCode) const
+{
+    return VirtualKeyCodes::fromXKeycode(nativeScanCode);
 }
 
 bool X11HotKeyCenter::grab(Grab &grab) const
@@ -135,24 +143,33 @@ void X11HotKeyCenter::letGo(const xcb_key_press_event_t &event)
 {
     if (!m_rawInput.isPresent())
         return;
-    const bool isOwnGrab = event.event == m_root;
-    m_heldKey = event.detail;
+    // Else a window of ours holds the keyboard, and keeps it: the server then gives it the shortcuts, too.
+    if (event.event == m_root)
+        xcb_ungrab_keyboard(m_connection, event.time);
+    watchRelease(event.detail);
+}
+
+bool X11HotKeyCenter::isDown(xcb_keycode_t keycode) const
+{
+    const XcbOwned<xcb_query_keymap_reply_t> keys(
+        xcb_query_keymap_reply(m_connection, xcb_query_keymap(m_connection), nullptr));
+    return keys && (keys->keys[keycode / 8] & (1 << keycode % 8));
+}
+
+/// Until the key is released it counts as held.
+void X11HotKeyCenter::watchRelease(xcb_keycode_t keycode)
+{
+    m_heldKey = keycode;
     m_releaseTime = 0;
-    const auto released = [this](quint32 keycode) {
-        if (keycode == m_heldKey) {
+    const auto released = [this](quint32 other) {
+        if (other == m_heldKey) {
             m_heldKey = 0;
             m_releases.reset();
         }
     };
     m_releases = m_rawInput.watch(X11RawInput::Kind::KeyRelease, released);
-    // Else a window of ours holds the keyboard, and keeps it: the server then gives it the shortcuts, too.
-    if (isOwnGrab)
-        xcb_ungrab_keyboard(m_connection, event.time);
-    const XcbOwned<xcb_query_keymap_reply_t> keys(
-        xcb_query_keymap_reply(m_connection, xcb_query_keymap(m_connection), nullptr));
-    const bool isDown = keys && (keys->keys[event.detail / 8] & (1 << event.detail % 8));
-    if (!isDown)
-        released(event.detail);
+    if (!isDown(keycode))
+        released(keycode);
 }
 
 void X11HotKeyCenter::keyboardChanged()

@@ -25,6 +25,7 @@ public:
     void setHandler(Handler handler) override { m_handler = std::move(handler); }
     Registration registerHotKey(quint32 number, quint32 keyCode, quint32 modifiers) override;
     void unregisterHotKey(quint32 number) override;
+    std::optional<quint32> keyCodeAt(quint32 nativeScanCode) const override;
 
     bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;
 
@@ -39,6 +40,8 @@ private:
     void ungrab(Grab &grab) const;
     void pressed(const xcb_key_press_event_t &event);
     void letGo(const xcb_key_press_event_t &event);
+    bool isDown(xcb_keycode_t keycode) const;
+    void watchRelease(xcb_keycode_t keycode);
     void keyboardChanged();
 
     X11RawInput &m_rawInput;

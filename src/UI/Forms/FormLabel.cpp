@@ -21,6 +21,7 @@ QFont fontFor(FormLabel::Role role)
     case FormLabel::Role::caption:
     case FormLabel::Role::warning:
     case FormLabel::Role::success:
+    case FormLabel::Role::failure:
         return FormStyle::font(FormStyle::captionSize);
     case FormLabel::Role::title:
     case FormLabel::Role::value:
@@ -40,6 +41,8 @@ QColor colorFor(FormLabel::Role role, const QPalette &palette)
         return SystemColor::orange(palette);
     case FormLabel::Role::success:
         return SystemColor::green(palette);
+    case FormLabel::Role::failure:
+        return SystemColor::red(palette);
     case FormLabel::Role::title:
     case FormLabel::Role::strong:
         break;

@@ -19,6 +19,7 @@ public:
         value,   ///< beside a slider
         warning,
         success,
+        failure,
     };
 
     explicit FormLabel(Role role, const QString &text = {}, QWidget *parent = nullptr);

@@ -67,6 +67,20 @@ void paintGroup(QPainter &painter, const QWidget &widget)
     painter.restore();
 }
 
+void paintField(QPainter &painter, const QWidget &field, bool hasFocus)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    const double line = hairline(field);
+    painter.setBrush(QApplication::palette().color(QPalette::Base));
+    painter.setPen(QPen(SystemColor::separator(field.palette()), line));
+    painter.drawRoundedRect(QRectF(field.rect()).adjusted(line / 2, line / 2, -line / 2, -line / 2),
+                            controlRadius, controlRadius);
+    painter.restore();
+    if (hasFocus)
+        paintFocusRing(painter, QRectF(field.rect()), controlRadius, field.palette());
+}
+
 void paintFocusRing(QPainter &painter, const QRectF &rectangle, double radius, const QPalette &palette)
 {
     painter.save();

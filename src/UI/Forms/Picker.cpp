@@ -23,7 +23,7 @@ namespace {
 constexpr int side = 10;
 constexpr int chevronWidth = 10;
 constexpr int gap = 7;
-constexpr double iconSide = 16;
+constexpr double iconSide = 14;
 constexpr int longestWidth = 260;
 
 /// The toolkit's own does not tell of our menu.
@@ -111,7 +111,13 @@ void Picker::addEntry(const QString &title, const QString &tag, const IconImage 
 
 void Picker::setTag(const QString &tag)
 {
-    setPlaceholderText(tag);
+    setTag(tag, tag, {});
+}
+
+void Picker::setTag(const QString &tag, const QString &title, const IconImage &image)
+{
+    setPlaceholderText(title);
+    m_otherImage = image;
     setCurrentIndex(findData(tag));
     updateGeometry();
     update();
@@ -224,7 +230,7 @@ int Picker::widthFor(const QString &title) const
 
 IconImage Picker::shownImage() const
 {
-    return m_images.value(currentIndex());
+    return currentIndex() < 0 ? m_otherImage : m_images.value(currentIndex());
 }
 
 } // namespace tovi

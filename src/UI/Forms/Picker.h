@@ -25,6 +25,8 @@ public:
 
     void addEntry(const QString &title, const QString &tag, const IconImage &image = {});
     void setTag(const QString &tag);
+    /// A tag that is not among them is shown as this.
+    void setTag(const QString &tag, const QString &title, const IconImage &image);
     /// Empty while nothing is chosen.
     QString tag() const { return currentData().toString(); }
     /// Runs when the user has chosen, never for setTag().
@@ -50,6 +52,7 @@ private:
 
     KeyboardFocus *m_focus;
     QList<IconImage> m_images;
+    IconImage m_otherImage; ///< while nothing is chosen
     QPointer<QMenu> m_menu;
 };
 

@@ -149,6 +149,19 @@ TEST_F(HotKeys, HoldingIsOnePress)
     EXPECT_TRUE(saw({1}));
     user.press({alt, keyD});
     EXPECT_TRUE(saw({1}));
+
+    // Nor are keys pressed that are held while they are registered: they have just been recorded.
+    center.unregisterHotKey(1);
+    user.key(alt, true);
+    user.key(keyD, true);
+    user.property(user.root(), "WM_NAME");
+    ASSERT_EQ(center.registerHotKey(1, codeD, HotKey::option), HotKeyCenter::Registration::Registered);
+    releases.count = 0;
+    EXPECT_TRUE(waitUntil([&] { return releases.count >= 5; }));
+    user.key(keyD, false);
+    user.key(alt, false);
+    user.press({alt, keyD});
+    EXPECT_TRUE(saw({1}));
 }
 
 } // namespace

@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: MIT
+// Manages engines and records shortcuts in the real settings window, with real keys and a real pointer.
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include "Desktop/ProgramFixture.h"
+#include "ScriptedServer.h"
+
+namespace tovi {
+namespace {
+
+/// Answers by the model's name: a status, or a translation.
+void answer(const ScriptedServer::Request &request, ScriptedServer::Reply &reply)
+{
+    const QString model = QJsonDocument::fromJson(request.body)[QLatin1String("model")].toString();
+    if (const int status = model.toInt()) {
+        reply.answer(status, "{}");
+        return;
+    }
+    const QJsonObject message{{QStringLiteral("content"), QStringLiteral("Hola from ") + model}};
+    const QJsonObject choice{{QStringLiteral("message"), message}};
+    reply.answer(200, QJsonDocument(QJsonObject{{QStringLiteral("choices"), QJsonArray{choice}}}).toJson());
+}
+
+class EnginesDesktop : public ProgramDesktop
+{
+protected:
+    using Node = AccessibleTree::Node;
+
+    void openSettings(const QString &pane)
+    {
+        writeDemoSettings(desktop, {chatEngine(server.origin())},
+                          {{QStringLiteral("appLanguage"), QStringLiteral("en")}});
+        tovi =
+            desktop.start(program, {QStringLiteral("--settings")},
+                          {trace.environment(), QStringLiteral("TOVI_OPENAI_BASE_URL=") + server.origin()});
+        trace.programStarted();
+        ASSERT_TRUE(tovi && trace.next("ready"));
+        window = desktop.waitForWindow(QStringLiteral("Tovi Settings"));
+        ASSERT_TRUE(window);
+        ASSERT_TRUE(click(pane, QStringLiteral("radio button")));
+    }
+    QList<Node> nodes(const QString &name, const QString &role = {}) const
+    {
+        QList<Node> found;
+        for (const Node &node : AccessibleTree::read(tovi->processId())) {
+            if (node.name == name && (role.isEmpty() || node.role == role) && !node.extents.isEmpty())
+                found << node;
+        }
+        return found;
+    }
+    bool shows(const QString &name)
+    {
+        return DesktopSession::eventually([&] { return !nodes(name).isEmpty(); }, patience);
+    }
+    bool hides(const QString &name)
+    {
+        return DesktopSession::eventually([&] { return nodes(name).isEmpty(); }, patience);
+    }
+    bool click(const QString &name, const QString &role = {}, int button = 1)
+    {
+        if (!DesktopSession::eventually([&] { return !nodes(name, role).isEmpty(); }, patience))
+            return false;
+        desktop.click(nodes(name, role).last().extents.center(), 1, button);
+        return true;
+    }
+    void type(const char *text)
+    {
+        for (; *text; ++text)
+            desktop.pressKey(xcb_keysym_t(*text)); // the symbols of these characters have their numbers
+    }
+    void tab(int times, const std::vector<xcb_keysym_t> &modifiers = {})
+    {
+        for (int i = 0; i < times; ++i)
+            desktop.pressKey(XK_Tab, modifiers);
+    }
+    QJsonValue setting(const char *key) const
+    {
+        QFile file(settingsFile(QStringLiteral("defaults.json")));
+        return file.open(QFile::ReadOnly) ? QJsonDocument::fromJson(file.readAll())[QLatin1String(key)]
+                                          : QJsonValue();
+    }
+    bool isStored(const char *key, const QJsonValue &value)
+    {
+        return DesktopSession::eventually([&] { return setting(key) == value; }, patience);
+    }
+
+    static constexpr std::chrono::seconds patience{20};
+    const QString pushButton = QStringLiteral("push button");
+    const QString listItem = QStringLiteral("list item");
+    ScriptedServer server{answer};
+    xcb_window_t window = 0;
+};
+
+TEST_F(EnginesDesktop, AnEngineIsAddedEditedTestedCopiedAndRemoved)
+{
+    openSettings(QStringLiteral("Translation"));
+    ASSERT_TRUE(shows(QStringLiteral("Chat, demo, Default")));
+    ASSERT_TRUE(click(QStringLiteral("Add")));
+    ASSERT_TRUE(shows(QStringLiteral("OpenAI-compatible, gpt-4o-mini, Default")));
+    ASSERT_TRUE(click(QStringLiteral("API Key")));
+    type("hush");
+    tab(1, {XK_Shift_L});
+
+    // From the model on to the test's button, and back: the keyboard is enough.
+    struct Case
+    {
+        const char *model;
+        QString outcome;
+    };
+    const Case cases[] = {
+        {"", QStringLiteral("Please fill in a model name")},
+        {"401", QStringLiteral("API key is invalid or lacks permission")},
+        {"404", QStringLiteral("Endpoint or model not found")},
+        {"429", QStringLiteral("Rate limited or quota exceeded")},
+        {"500", QStringLiteral("Server error")},
+        {"one", QStringLiteral("Connection OK: Hola from one")},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.model);
+        desktop.pressKey(XK_a, {XK_Control_L});
+        desktop.pressKey(XK_BackSpace);
+        type(c.model);
+        tab(5);
+        desktop.pressKey(XK_space);
+        ASSERT_TRUE(shows(c.outcome));
+        tab(5, {XK_Shift_L});
+    }
+    ASSERT_EQ(server.requests().size(), 5) << "without a model nothing is sent";
+    EXPECT_EQ(server.requests().last().header("Authorization"), "Bearer hush");
+
+    ASSERT_TRUE(click(QStringLiteral("Duplicate"), pushButton));
+    ASSERT_TRUE(shows(QStringLiteral("OpenAI-compatible Copy, one")));
+    ASSERT_TRUE(click(QStringLiteral("Chat, demo"), listItem, 3));
+    ASSERT_TRUE(click(QStringLiteral("Set as Default"), QStringLiteral("menu item")));
+    ASSERT_TRUE(shows(QStringLiteral("Chat, demo, Default")));
+    ASSERT_TRUE(click(QStringLiteral("Remove"), pushButton));
+    ASSERT_TRUE(hides(QStringLiteral("OpenAI-compatible Copy, one")));
+    ASSERT_TRUE(
+        DesktopSession::eventually([&] { return setting("providers").toArray().size() == 4; }, patience));
+    for (const Node &node : AccessibleTree::read(tovi->processId()))
+        EXPECT_FALSE((node.name + node.text).contains(QLatin1String("hush")));
+
+    tovi->terminate();
+    ASSERT_TRUE(DesktopSession::eventually([&] { return tovi->state() == QProcess::NotRunning; }));
+    const QString stored = QString::fromUtf8(QJsonDocument(setting("providers").toArray()).toJson());
+    EXPECT_TRUE(stored.contains(QLatin1String("\"one\"")));
+    EXPECT_FALSE(stored.contains(QLatin1String("hush")));
+}
+
+TEST_F(EnginesDesktop, AShortcutIsRecordedAndWorksAtOnce)
+{
+    const auto keys = [](int code, int modifiers) {
+        return QJsonObject{{QStringLiteral("keyCode"), code}, {QStringLiteral("modifiers"), modifiers}};
+    };
+    const QString recorder = QStringLiteral("Translate Selection");
+    const QString duplicate = QStringLiteral("This shortcut is used by more than one action");
+    openSettings(QStringLiteral("Shortcuts"));
+
+    // The keys that the program itself holds for another action can be recorded.
+    ASSERT_TRUE(click(recorder, pushButton));
+    desktop.pressKey(XK_k);
+    desktop.pressKey(XK_s, {XK_Alt_L});
+    EXPECT_TRUE(isStored("captureHotKey", keys(1, 2048)));
+    EXPECT_TRUE(DesktopSession::eventually([&] { return nodes(duplicate).size() == 2; }, patience));
+
+    ASSERT_TRUE(click(recorder, pushButton));
+    desktop.pressKey(XK_BackSpace);
+    EXPECT_TRUE(isStored("captureHotKey", keys(0, 0)));
+    EXPECT_TRUE(hides(duplicate));
+
+    ASSERT_TRUE(click(recorder, pushButton));
+    desktop.pressKey(XK_q, {XK_Control_L, XK_Super_L, XK_Shift_L});
+    EXPECT_TRUE(isStored("captureHotKey", keys(12, 256 + 4096 + 512)));
+    trace.clear();
+    desktop.pressKey(XK_q, {XK_Control_L, XK_Super_L, XK_Shift_L});
+    EXPECT_TRUE(trace.next("captured"));
+}
+
+} // namespace
+} // namespace tovi

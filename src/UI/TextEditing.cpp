@@ -85,11 +85,102 @@ bool copy(const View &view)
     return !text.isEmpty();
 }
 
+bool hasSelection(const QLineEdit &view)
+{
+    return view.hasSelectedText();
+}
+
+template <class View>
+bool hasSelection(const View &view)
+{
+    return view.textCursor().hasSelection();
+}
+
+bool isUndoAvailable(const QLineEdit &view)
+{
+    return view.isUndoAvailable();
+}
+
+template <class View>
+bool isUndoAvailable(const View &view)
+{
+    return view.document()->isUndoAvailable();
+}
+
+bool isRedoAvailable(const QLineEdit &view)
+{
+    return view.isRedoAvailable();
+}
+
+template <class View>
+bool isRedoAvailable(const View &view)
+{
+    return view.document()->isRedoAvailable();
+}
+
+bool isEmpty(const QLineEdit &view)
+{
+    return view.text().isEmpty();
+}
+
+template <class View>
+bool isEmpty(const View &view)
+{
+    return view.document()->isEmpty();
+}
+
+bool canCopy(const QLineEdit &view)
+{
+    return view.hasSelectedText() && view.echoMode() == QLineEdit::Normal;
+}
+
+template <class View>
+bool canCopy(const View &view)
+{
+    const auto *scrollable = qobject_cast<const ScrollableTextView *>(&view);
+    return scrollable ? !scrollable->selectedText().isEmpty() : hasSelection(view);
+}
+
+template <class View>
+bool canPerformIn(TextEditing editing, const View &view)
+{
+    const bool isWritable = !view.isReadOnly();
+    switch (editing) {
+    case TextEditing::undo:
+        return isWritable && isUndoAvailable(view);
+    case TextEditing::redo:
+        return isWritable && isRedoAvailable(view);
+    case TextEditing::cut:
+        return isWritable && canCopy(view);
+    case TextEditing::copy:
+        return canCopy(view);
+    case TextEditing::paste:
+        return isWritable;
+    case TextEditing::remove:
+        return isWritable && hasSelection(view);
+    case TextEditing::selectAll:
+        return !isEmpty(view);
+    }
+    return false;
+}
+
 template <class View>
 bool performIn(TextEditing editing, View &view)
 {
     const bool isWritable = !view.isReadOnly();
     switch (editing) {
+    case TextEditing::undo:
+        if (isWritable)
+            view.undo();
+        return isWritable;
+    case TextEditing::redo:
+        if (isWritable)
+            view.redo();
+        return isWritable;
+    case TextEditing::remove:
+        if (isWritable && hasSelection(view))
+            removeSelection(view);
+        return isWritable;
     case TextEditing::copy:
         copy(view);
         return true;
@@ -112,29 +203,25 @@ template <class View>
 void showMenu(View &view, const QPoint &at)
 {
     auto menu = MenuPresenter::makeMenu();
-    const auto add = [&menu, &view](Str title, bool isEnabled, const std::function<void()> &action) {
-        QAction *item =
-            menu->addAction(MenuPresenter::literalTitle(Localization::shared().t(title)), &view, action);
-        item->setEnabled(isEnabled);
-    };
-    const auto addEditing = [&add, &view](Str title, bool isEnabled, TextEditing editing) {
-        add(title, isEnabled, [&view, editing] { performIn(editing, view); });
+    const auto add = [&menu, &view](Str title, TextEditing editing) {
+        QAction *item = menu->addAction(MenuPresenter::literalTitle(Localization::shared().t(title)), &view,
+                                        [&view, editing] { performIn(editing, view); });
+        item->setEnabled(canPerformIn(editing, view));
     };
     const bool isWritable = !view.isReadOnly();
-    const bool hasSelection = view.textCursor().hasSelection();
     if (isWritable) {
-        add(Str::menuUndo, view.document()->isUndoAvailable(), [&view] { view.undo(); });
-        add(Str::menuRedo, view.document()->isRedoAvailable(), [&view] { view.redo(); });
+        add(Str::menuUndo, TextEditing::undo);
+        add(Str::menuRedo, TextEditing::redo);
         menu->addSeparator();
-        addEditing(Str::menuCut, hasSelection, TextEditing::cut);
+        add(Str::menuCut, TextEditing::cut);
     }
-    addEditing(Str::menuCopy, hasSelection, TextEditing::copy);
+    add(Str::menuCopy, TextEditing::copy);
     if (isWritable) {
-        addEditing(Str::menuPaste, true, TextEditing::paste);
-        add(Str::menuDelete, hasSelection, [&view] { removeSelection(view); });
+        add(Str::menuPaste, TextEditing::paste);
+        add(Str::menuDelete, TextEditing::remove);
     }
     menu->addSeparator();
-    addEditing(Str::menuSelectAll, !view.document()->isEmpty(), TextEditing::selectAll);
+    add(Str::menuSelectAll, TextEditing::selectAll);
     MenuPresenter::popUp(std::move(menu), view, at);
 }
 
@@ -148,6 +235,17 @@ bool perform(TextEditing editing, QWidget &textView)
         return performIn(editing, *view);
     if (auto *view = qobject_cast<QLineEdit *>(&textView))
         return performIn(editing, *view);
+    return false;
+}
+
+bool canPerform(TextEditing editing, const QWidget &textView)
+{
+    if (const auto *view = qobject_cast<const QPlainTextEdit *>(&textView))
+        return canPerformIn(editing, *view);
+    if (const auto *view = qobject_cast<const QTextEdit *>(&textView))
+        return canPerformIn(editing, *view);
+    if (const auto *view = qobject_cast<const QLineEdit *>(&textView))
+        return canPerformIn(editing, *view);
     return false;
 }
 

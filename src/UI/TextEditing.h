@@ -8,12 +8,14 @@ class QWidget;
 
 namespace tovi {
 
-/// What the standard editing keys do in a text view.
-enum class TextEditing { copy, paste, cut, selectAll };
+/// What the standard editing keys and the Edit menu do in a text view.
+enum class TextEditing { undo, redo, cut, copy, paste, remove, selectAll };
 
 /// False when the widget is no text view or cannot do it, as pasting where nothing may be written. What is
 /// pasted arrives when the pasteboard's owner has given it. Main thread.
 bool perform(TextEditing editing, QWidget &textView);
+/// Whether it would change or copy something now; what others have copied is not looked at. Main thread.
+bool canPerform(TextEditing editing, const QWidget &textView);
 
 /// Shows the menu of what can be done in a text view at a point of it. The toolkit's own speaks English and
 /// asks the clipboard's owner, who may hang, before it opens. Main thread.

@@ -34,8 +34,13 @@ LiveDesktop::LiveDesktop()
     m_windowManager.setStandardErrorFile(QProcess::nullDevice());
     m_windowManager.start(QStringLiteral("openbox"), {});
     XcbSession session;
-    const xcb_atom_t check = session.atom("_NET_SUPPORTING_WM_CHECK");
-    while (propertyItems(session.reply(session.requestProperty(session.root(), check)).get()).isEmpty()) {
+    // The last thing it announces; a window that asks to be shown before is forgotten.
+    const xcb_atom_t check = session.atom("_NET_CLIENT_LIST");
+    const auto isAnnounced = [&] {
+        const auto list = session.reply(session.requestProperty(session.root(), check));
+        return list && list->type != XCB_ATOM_NONE;
+    };
+    while (!isAnnounced()) {
         if (m_windowManager.state() == QProcess::NotRunning || !session.isOpen())
             qFatal("no window manager");
         usleep(2000);

@@ -69,6 +69,8 @@ std::weak_ordering compareParts(QStringView one, QStringView other)
 
 QUrl opened(const QString &link, const QUrl &base)
 {
+    if (link.trimmed().isEmpty())
+        return {};
     const QUrl url = base.resolved(QUrl(link.trimmed()));
     return Appcast::mayBeOpened(url) ? url : QUrl();
 }

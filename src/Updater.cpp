@@ -51,11 +51,9 @@ void UpdateController::start()
 {
     if (m_isForUser && state->phase != Phase::checking)
         state = {.phase = Phase::checking};
-    if (m_isChecking)
-        return;
-    m_isChecking = true;
     schedule();
-    check();
+    if (!std::exchange(m_isChecking, true))
+        check();
 }
 
 void UpdateController::schedule()
@@ -75,7 +73,7 @@ QCoro::Task<> UpdateController::check()
     const bool isForUser = std::exchange(m_isForUser, false);
     const bool isNews = found.phase == Phase::available &&
                         std::exchange(m_announcedVersion, found.item->version) != found.item->version;
-    if (isForUser || isNews)
+    if (isForUser || found.phase != Phase::failed)
         state = found;
     if (!isForUser && isNews)
         wantsAttention.emitToAll();

@@ -156,8 +156,11 @@ struct Updates : testing::Test, WebFixture
         return nullptr;
     }
     QString message() { return window() ? window()->findChild<QLabel *>()->text() : QString(); }
+    /// Once the check has ended.
     bool says(const QString &part)
     {
+        using Phase = UpdateController::State::Phase;
+        waitUntil([] { return Updater::controller().state->phase != Phase::checking; });
         return waitUntil([&] { return message().contains(part); });
     }
 };

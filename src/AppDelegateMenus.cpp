@@ -60,7 +60,7 @@ void AppDelegate::setupMainMenu()
 
 std::unique_ptr<QMenu> AppDelegate::makeApplicationMenu()
 {
-    auto menu = std::make_unique<QMenu>(literal(QGuiApplication::applicationDisplayName()));
+    auto menu = std::make_unique<QMenu>(literal(BundleInformation::name()));
     const auto add = [this, &menu](Str key, auto action, std::optional<QKeyCombination> keys = {}) {
         QAction *item = menu->addAction(title(key), this, action);
         if (keys) {

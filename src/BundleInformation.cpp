@@ -3,6 +3,11 @@
 
 namespace tovi::BundleInformation {
 
+QString name()
+{
+    return QStringLiteral("Tovi");
+}
+
 QString shortVersion()
 {
     return QStringLiteral(TOVI_VERSION);

@@ -6,6 +6,8 @@
 /// What the build says about itself. Any thread.
 namespace tovi::BundleInformation {
 
+/// The program's name, the same in every language.
+QString name();
 /// The version that people read, "1.4.2".
 QString shortVersion();
 /// The number of this build, "37".

@@ -63,7 +63,6 @@ int main(int argc, char **argv)
     X11Platform::prepareEnvironment();
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("tovi"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Tovi"));
     QApplication::setApplicationVersion(QStringLiteral(TOVI_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("com.brevoll.tovi"));
     QApplication::setQuitOnLastWindowClosed(false);

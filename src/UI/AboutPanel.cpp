@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "UI/AboutPanel.h"
 
-#include <QGuiApplication>
 #include <QIcon>
 #include <QLabel>
 #include <QPointer>
@@ -33,7 +32,7 @@ QWidget *makeWindow()
     window->setWindowTitle(Localization::shared().t(Str::menuAbout));
     auto *logo = new QLabel;
     logo->setPixmap(QIcon(QStringLiteral(":/tovi/ToviLogo.svg")).pixmap(logoSide, logoSide));
-    auto *name = new QLabel(QGuiApplication::applicationDisplayName());
+    auto *name = new QLabel(BundleInformation::name());
     QFont font = name->font();
     font.setPixelSize(titlePixels);
     font.setWeight(QFont::DemiBold);

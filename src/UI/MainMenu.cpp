@@ -3,7 +3,6 @@
 
 #include <QApplication>
 #include <QEvent>
-#include <QIcon>
 #include <QMainWindow>
 #include <QMenuBar>
 
@@ -25,7 +24,6 @@ MainMenu::~MainMenu() = default;
 
 void MainMenu::install(QMainWindow &window)
 {
-    window.setWindowIcon(QIcon(QStringLiteral(":/tovi/ToviLogo.svg")));
     std::erase_if(m_bars, [](const auto &bar) { return !bar; });
     QMenuBar *bar = window.menuBar();
     m_bars.emplace_back(bar);

@@ -24,7 +24,7 @@ public:
     MainMenu();
     ~MainMenu() override;
 
-    /// Puts the menu bar and the program's icon into a window; the bar follows when the menus are made anew.
+    /// Puts the menu bar into a window; it follows when the menus are made anew.
     void install(QMainWindow &window);
 
     /// Replaces all menus.

@@ -148,7 +148,7 @@ void UpdateWindow::refresh()
 {
     const UpdateController::State &state = m_controller.state;
     const UpdateTexts words = texts();
-    setWindowTitle(words.title);
+    setWindowTitle(words.title + QStringLiteral(" – ") + BundleInformation::name());
     m_message->setText(message(state));
     const bool isAvailable = state.phase == Phase::available;
     m_notes->setAccessibleName(words.notes);

@@ -26,7 +26,8 @@ struct Holder
 
 QWidget *makeWindow()
 {
-    auto *window = new QWidget(nullptr, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
+    auto *window = new QWidget(nullptr, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                                            Qt::WindowCloseButtonHint);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->setWindowIcon(QIcon(QStringLiteral(":/tovi/ToviLogo.svg")));
     window->setWindowTitle(Localization::shared().t(Str::menuAbout));

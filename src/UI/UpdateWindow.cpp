@@ -99,7 +99,8 @@ void UpdateWindow::checkForUpdates()
 }
 
 UpdateWindow::UpdateWindow(UpdateController &controller)
-    : QWidget(nullptr, Qt::Window | Qt::WindowTitleHint | Qt::WindowCloseButtonHint)
+    : QWidget(nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                           Qt::WindowCloseButtonHint)
     , m_controller(controller)
     , m_message(new QLabel)
     , m_notes(new QPlainTextEdit)

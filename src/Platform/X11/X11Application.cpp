@@ -164,14 +164,18 @@ void X11Application::hideOtherApplications()
 
 void X11Application::unhideAllApplications()
 {
+    QWidget *active = QApplication::activeWindow();
     const auto present = itemsOf(QtXcb::root(), atoms().clientList);
     for (const xcb_window_t window : std::exchange(m_hiddenOthers, {})) {
         // A window that the user has brought back meanwhile stays where he put it.
         if (present.contains(window) && itemsOf(window, atoms().state).contains(atoms().hidden))
             xcb_map_window(QtXcb::connection(), window);
     }
-    xcb_flush(QtXcb::connection());
     unhide();
+    // Window managers activate what comes back.
+    if (active)
+        active->activateWindow();
+    xcb_flush(QtXcb::connection());
 }
 
 Application::StatusBar X11Application::statusBar()

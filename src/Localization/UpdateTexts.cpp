@@ -78,7 +78,7 @@ UpdateTexts UpdateTexts::in(AppLanguage language)
         return {.title = QStringLiteral("Softwareaktualisierung"),
                 .checking = QStringLiteral("Nach Updates wird gesucht…"),
                 .upToDate = QStringLiteral("Tovi %@ ist die neueste Version."),
-                .available = QStringLiteral("Tovi %@ ist verfügbar. Sie haben %@."),
+                .available = QStringLiteral("Tovi %@ ist verfügbar. Du hast %@."),
                 .download = QStringLiteral("Laden…"),
                 .close = QStringLiteral("Schließen"),
                 .notes = QStringLiteral("Neuerungen"),
@@ -87,7 +87,7 @@ UpdateTexts UpdateTexts::in(AppLanguage language)
                 .noFeed = QStringLiteral("Dieses Tovi weiß nicht, wo es nach Updates suchen soll."),
                 .insecure = QStringLiteral("Die Adresse der Updates ist nicht sicher."),
                 .unreachable = QStringLiteral(
-                    "Die Updates konnten nicht geladen werden. Versuchen Sie es später erneut."),
+                    "Die Updates konnten nicht geladen werden. Versuche es später erneut."),
                 .unreadable = QStringLiteral("Die Liste der Updates konnte nicht gelesen werden.")};
     case AppLanguage::es:
         return {.title = QStringLiteral("Actualización de software"),

@@ -86,8 +86,8 @@ UpdateTexts UpdateTexts::in(AppLanguage language)
                     QStringLiteral("Updates für dieses Tovi kommen von dort, woher es installiert wurde."),
                 .noFeed = QStringLiteral("Dieses Tovi weiß nicht, wo es nach Updates suchen soll."),
                 .insecure = QStringLiteral("Die Adresse der Updates ist nicht sicher."),
-                .unreachable = QStringLiteral(
-                    "Die Updates konnten nicht geladen werden. Versuche es später erneut."),
+                .unreachable =
+                    QStringLiteral("Die Updates konnten nicht geladen werden. Versuche es später erneut."),
                 .unreadable = QStringLiteral("Die Liste der Updates konnte nicht gelesen werden.")};
     case AppLanguage::es:
         return {.title = QStringLiteral("Actualización de software"),

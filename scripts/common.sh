@@ -21,6 +21,7 @@ demo_packages=(xvfb openbox dbus-daemon mousepad fonts-noto-core x11-xkb-utils)
 test_packages=(
     libgtest-dev libgmock-dev "${demo_packages[@]}"
     openssl gnome-keyring xterm lxterminal trayer xcompmgr x11-xserver-utils
+    desktop-file-utils appstream dpkg-dev lintian
     featherpad firefox-esr chromium fonts-noto-cjk fonts-noto-color-emoji
 )
 

@@ -10,7 +10,6 @@
 #include "Platform/Application.h"
 #include "Platform/NotificationCenter.h"
 #include "Platform/Platform.h"
-#include "Platform/SystemLog.h"
 #include "Platform/Trace.h"
 #include "Platform/UserDefaults.h"
 #include "Settings.h"
@@ -25,6 +24,10 @@ static void loadResources()
 }
 
 namespace tovi {
+
+namespace {
+constexpr std::chrono::seconds updateCheckDelay{1};
+}
 
 AppDelegate::AppDelegate()
 {
@@ -54,16 +57,24 @@ void AppDelegate::applicationDidFinishLaunching()
 void AppDelegate::handleArguments(const QStringList &arguments)
 {
     Trace::mark("arguments", {{"count", arguments.size()}});
-    const auto unavailable = [](const char *what) {
-        Platform::current().systemLog().write(QStringLiteral("Tovi: this build has no ") +
-                                              QLatin1String(what));
+    using Action = void (AppDelegate::*)();
+    const std::pair<QString, Action> actions[] = {
+        {QStringLiteral("--settings"), &AppDelegate::openSettings},
+        {QStringLiteral("--translate-selection"), &AppDelegate::triggerCapture},
+        {QStringLiteral("--ocr"), &AppDelegate::triggerOCR},
+        {QStringLiteral("--input"), &AppDelegate::triggerInputTranslation},
     };
-    if (arguments.contains(QStringLiteral("--settings")))
-        SettingsWindowController::shared().show();
+    for (const auto &[argument, action] : actions) {
+        if (arguments.contains(argument))
+            (this->*action)();
+    }
     if (arguments.contains(QStringLiteral("--ocr-select")))
         ScreenSelectionController::shared().begin([](const auto &) {});
     if (arguments.contains(QStringLiteral("--check-updates")))
-        unavailable("update check");
+        Platform::current().clock().afterDetached(updateCheckDelay, [self = QPointer(this)] {
+            if (self)
+                self->checkForUpdates();
+        });
 }
 
 void AppDelegate::applicationWillTerminate()

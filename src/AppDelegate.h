@@ -43,6 +43,11 @@ public:
     void triggerCapture();
     void triggerOCR();
     void triggerInputTranslation();
+    void openSettings();
+    void checkForUpdates();
+
+    /// The status item's menu, as it would open now.
+    QMenu &statusMenu();
 
     /// Starts a capture; `at` in points, origin bottom-left of the primary screen, y up.
     void performCapture(bool preferOCR, std::optional<QPointF> at);
@@ -70,8 +75,12 @@ private:
     // Menus
     void setupMainMenu();
     void setupStatusItem();
+    void statusBarChanged();
     void rebuildMenu(QMenu *menu);
+    std::unique_ptr<QMenu> makeApplicationMenu();
+    std::unique_ptr<QMenu> makeEditMenu();
     void setupLanguageMenu(QMenu *menu);
+    void selectLanguage(const QString &code);
     void quit();
 
     // Flows
@@ -92,7 +101,8 @@ private:
     bool isCurrent(qint64 token) const { return token == m_captureToken; }
 
     std::unique_ptr<QMenu> m_statusMenu;
-    std::unique_ptr<QSystemTrayIcon> m_statusItem;
+    std::unique_ptr<QSystemTrayIcon> m_statusItem; ///< once the desktop has a place for it
+    Subscription m_statusBar;
     std::unique_ptr<GlobalHotKey> m_captureHotKey;
     std::unique_ptr<GlobalHotKey> m_ocrHotKey;
     std::unique_ptr<GlobalHotKey> m_inputHotKey;

@@ -14,11 +14,14 @@ namespace {
 constexpr const char *usage = R"(Usage: tovi [OPTION]...
 Translates the text that is selected in any application, when its shortcut is pressed.
 
-  --settings        open the settings
-  --ocr-select      select a region of the screen
-  --check-updates   look for a newer version
-  --version         print the version and exit
-  --help            print this and exit
+  --translate-selection   translate what is selected
+  --ocr                   translate a picture of text
+  --input                 translate what will be typed
+  --settings              open the settings
+  --check-updates         look for a newer version
+  --ocr-select            select a region of the screen and do nothing with it
+  --version               print the version and exit
+  --help                  print this and exit
 
 While Tovi runs, a second start hands its options to the running one.
 )";
@@ -26,7 +29,8 @@ While Tovi runs, a second start hands its options to the running one.
 /// Answers what needs no desktop. None when the program should start.
 std::optional<int> answerFromCommandLine(int argc, char **argv)
 {
-    constexpr const char *actions[] = {"--settings", "--ocr-select", "--check-updates"};
+    constexpr const char *actions[] = {"--translate-selection", "--ocr",       "--input", "--settings",
+                                       "--check-updates",       "--ocr-select"};
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--version") == 0) {
             std::puts("tovi " TOVI_VERSION);

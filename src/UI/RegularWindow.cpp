@@ -10,6 +10,8 @@
 #include <QLayout>
 #include <QScreen>
 
+#include "UI/MainMenu.h"
+
 namespace tovi {
 
 RegularWindow::RegularWindow(Style style)
@@ -21,6 +23,7 @@ RegularWindow::RegularWindow(Style style)
     else
         layout()->setSizeConstraint(QLayout::SetFixedSize);
     setWindowFlags(flags);
+    MainMenu::shared().install(*this);
     setWindowIcon(QIcon(QStringLiteral(":/tovi/ToviLogo.svg")));
 }
 

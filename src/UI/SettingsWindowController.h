@@ -33,9 +33,6 @@ public:
     void show();
     void select(SettingsPane pane);
 
-    /// What the button of the about pane does.
-    std::function<void()> onCheckForUpdates;
-
     SettingsPane selectedPane() const { return m_selectedPane; }
     /// None while it is closed.
     RegularWindow *window() const { return m_window.get(); }

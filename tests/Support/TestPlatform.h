@@ -42,6 +42,14 @@ struct TestApplication final : Application
     QStringList arguments() const override { return argumentList; }
     void beep() override { ++beeps; }
     void terminate() override { ++terminations; }
+    void hide() override { requests << QStringLiteral("hide"); }
+    void hideOtherApplications() override { requests << QStringLiteral("hide others"); }
+    void unhideAllApplications() override { requests << QStringLiteral("show all"); }
+    StatusBar statusBar() override { return bar; }
+    Subscription watchStatusBar(std::function<void()> changed) override
+    {
+        return barChanged.subscribe(std::move(changed));
+    }
 
     std::optional<ActivationPolicy> policy;
     QList<int> appearances;
@@ -49,6 +57,9 @@ struct TestApplication final : Application
     QStringList argumentList{QStringLiteral("tovi")};
     int beeps = 0;
     int terminations = 0;
+    QStringList requests;
+    StatusBar bar{.isThere = true};
+    Subject<> barChanged; ///< emit it after changing the bar
 };
 
 struct TestWorkspace final : Workspace

@@ -63,20 +63,31 @@ QPalette paletteOf(const Shades &shades)
 LinuxApplication::LinuxApplication() = default;
 LinuxApplication::~LinuxApplication() = default;
 
+DesktopAppearance &LinuxApplication::desktop()
+{
+    if (!m_desktop)
+        m_desktop = std::make_unique<DesktopAppearance>([this] {
+            applyPalette();
+            m_desktopPreferenceChanged.emitToAll();
+        });
+    return *m_desktop;
+}
+
+std::optional<bool> LinuxApplication::desktopPrefersDark()
+{
+    return desktop().prefersDark();
+}
+
 void LinuxApplication::setAppearance(Appearance appearance)
 {
     m_appearance = appearance;
-    if (appearance != Appearance::System)
-        m_desktop.reset();
-    else if (!m_desktop)
-        m_desktop = std::make_unique<DesktopAppearance>([this] { applyPalette(); });
     applyPalette();
 }
 
 void LinuxApplication::applyPalette()
 {
-    const bool dark =
-        m_appearance == Appearance::Dark || (m_desktop && m_desktop->prefersDark().value_or(false));
+    const bool dark = m_appearance == Appearance::Dark ||
+                      (m_appearance == Appearance::System && desktop().prefersDark().value_or(false));
     const QPalette palette = paletteOf(dark ? darkShades : lightShades);
     if (QApplication::palette() != palette)
         QApplication::setPalette(palette);

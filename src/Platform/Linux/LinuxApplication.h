@@ -9,15 +9,13 @@ namespace tovi {
 
 class DesktopAppearance;
 
-/// This program on a Linux desktop. Main thread.
-class LinuxApplication final : public Application
+/// What is the same for this program on every Linux desktop. Main thread.
+class LinuxApplication : public Application
 {
 public:
     LinuxApplication();
     ~LinuxApplication() override;
 
-    void setActivationPolicy(ActivationPolicy policy) override { m_policy = policy; }
-    ActivationPolicy activationPolicy() const { return m_policy; }
     /// Light and dark are palettes of our own; with System the desktop's colour preference is followed live.
     void setAppearance(Appearance appearance) override;
     QStringList preferredLanguages() const override;
@@ -25,12 +23,18 @@ public:
     void beep() override;
     void terminate() override;
 
+    /// Whether the desktop prefers dark; none while unknown, or where it has no preference.
+    std::optional<bool> desktopPrefersDark();
+
+protected:
+    Subject<> m_desktopPreferenceChanged;
+
 private:
+    DesktopAppearance &desktop();
     void applyPalette();
 
-    ActivationPolicy m_policy = ActivationPolicy::Accessory;
     Appearance m_appearance = Appearance::System;
-    std::unique_ptr<DesktopAppearance> m_desktop; // only while it is followed
+    std::unique_ptr<DesktopAppearance> m_desktop; // from the first question on
 };
 
 } // namespace tovi

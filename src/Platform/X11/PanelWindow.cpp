@@ -47,19 +47,6 @@ const Atoms &atoms()
     return values;
 }
 
-void requestOfWindowManager(xcb_window_t window, xcb_atom_t type, std::initializer_list<quint32> data)
-{
-    xcb_client_message_event_t event{};
-    event.response_type = XCB_CLIENT_MESSAGE;
-    event.format = 32;
-    event.window = window;
-    event.type = type;
-    std::ranges::copy(data, event.data.data32);
-    xcb_send_event(QtXcb::connection(), 0, QtXcb::root(),
-                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                   reinterpret_cast<const char *>(&event));
-}
-
 /// The shadow of the smallest panel there is: four corners with one pixel between them. Fades out like a
 /// blurred edge with the distance from the panel.
 QPixmap renderShadow(double scale)
@@ -174,10 +161,10 @@ void PanelWindow::requestStates()
     constexpr quint32 add = 1;
     constexpr quint32 fromApplication = 1;
     const auto window = static_cast<xcb_window_t>(winId());
-    requestOfWindowManager(window, atoms().desktop, {allDesktops, fromApplication});
-    requestOfWindowManager(window, atoms().state,
-                           {add, atoms().skipTaskbar, atoms().skipPager, fromApplication});
-    requestOfWindowManager(window, atoms().state, {add, atoms().above, 0, fromApplication});
+    QtXcb::requestOfWindowManager(window, atoms().desktop, {allDesktops, fromApplication});
+    QtXcb::requestOfWindowManager(window, atoms().state,
+                                  {add, atoms().skipTaskbar, atoms().skipPager, fromApplication});
+    QtXcb::requestOfWindowManager(window, atoms().state, {add, atoms().above, 0, fromApplication});
     xcb_flush(QtXcb::connection());
 }
 
@@ -190,7 +177,8 @@ void PanelWindow::makeKey(quint32 time)
     // The user asked for this panel, maybe a moment ago and typing on since; a request with the shortcut's
     // own time, as Qt makes it, counts as an application stealing the keyboard then.
     constexpr quint32 fromUser = 2;
-    requestOfWindowManager(static_cast<xcb_window_t>(winId()), atoms().activeWindow, {fromUser, time, 0});
+    QtXcb::requestOfWindowManager(static_cast<xcb_window_t>(winId()), atoms().activeWindow,
+                                  {fromUser, time, 0});
     xcb_flush(QtXcb::connection());
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Platform/X11/X11PanelHost.h"
 
+#include <utility>
+
 #include <QApplication>
 #include <QLabel>
 
@@ -40,6 +42,7 @@ struct X11PanelHost::Windows
     Clock &clock;
     std::vector<Idle> idle; // the longest hidden first
     std::vector<PanelWindow *> all;
+    std::vector<PanelWindow *> hidden; // by the user's wish to hide the program
 
     /// An idle window, or a new one. One that the window manager may still be busy hiding, or even showing,
     /// would come back in a confused state.
@@ -85,6 +88,8 @@ public:
     {
         m_window->release();
         const auto windows = m_windows.lock();
+        if (windows)
+            std::erase(windows->hidden, m_window.get());
         if (windows && windows->idle.size() < mostIdleWindows) {
             windows->idle.push_back({std::move(m_window), windows->clock.now()});
         } else {
@@ -99,14 +104,24 @@ public:
     {
         m_window->setPanelRect(ScreenGeometry::current().toQt(frame));
     }
-    void orderFrontRegardless() override { m_window->present(); }
+    void orderFrontRegardless() override
+    {
+        if (const auto windows = m_windows.lock())
+            std::erase(windows->hidden, m_window.get());
+        m_window->present();
+    }
     void makeKey() override
     {
         const auto windows = m_windows.lock();
         const bool managed = windows && windows->frontWindow.takesActivationRequests();
         m_window->makeKey(managed ? windows->frontWindow.serverTime() : 0);
     }
-    void orderOut() override { m_window->hide(); }
+    void orderOut() override
+    {
+        if (const auto windows = m_windows.lock())
+            std::erase(windows->hidden, m_window.get());
+        m_window->hide();
+    }
     bool isVisible() const override { return m_window->isVisible(); }
 
 private:
@@ -142,6 +157,22 @@ std::unique_ptr<Panel> X11PanelHost::makePanel(std::unique_ptr<QWidget> content)
 std::unique_ptr<Panel> X11PanelHost::makeOverlay(std::unique_ptr<QWidget> content)
 {
     return std::make_unique<X11Overlay>(std::move(content), m_compositing, m_clock);
+}
+
+void X11PanelHost::hidePanels()
+{
+    for (PanelWindow *window : m_windows->all) {
+        if (window->isVisible()) {
+            m_windows->hidden.push_back(window);
+            window->hide();
+        }
+    }
+}
+
+void X11PanelHost::unhidePanels()
+{
+    for (PanelWindow *window : std::exchange(m_windows->hidden, {}))
+        window->present();
 }
 
 void X11PanelHost::prepareLater(Clock::Duration delay)

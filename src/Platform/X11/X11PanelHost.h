@@ -25,6 +25,11 @@ public:
     std::unique_ptr<Panel> makePanel(std::unique_ptr<QWidget> content) override;
     std::unique_ptr<Panel> makeOverlay(std::unique_ptr<QWidget> content) override;
 
+    /// Hides the panels that are shown, behind their owners' backs.
+    void hidePanels();
+    /// Shows again what hidePanels() has hidden, except what has ended since.
+    void unhidePanels();
+
     /// Whether a compositor blends translucent windows.
     bool isCompositing() const { return m_compositing; }
     int idleWindows() const;

@@ -10,7 +10,6 @@
 #include "Platform/Linux/CurlURLLoading.h"
 #include "Platform/Linux/DevToolsScriptRunner.h"
 #include "Platform/Linux/JsonUserDefaults.h"
-#include "Platform/Linux/LinuxApplication.h"
 #include "Platform/Linux/LinuxClock.h"
 #include "Platform/Linux/LinuxSecretStore.h"
 #include "Platform/Linux/SpeechDispatcherSynthesizer.h"
@@ -19,6 +18,7 @@
 #include "Platform/Linux/XdgLoginItem.h"
 #include "Platform/NotificationCenter.h"
 #include "Platform/X11/ScreenGeometry.h"
+#include "Platform/X11/X11Application.h"
 #include "Platform/X11/X11EventMonitors.h"
 #include "Platform/X11/X11HotKeyCenter.h"
 #include "Platform/X11/X11Keyboard.h"
@@ -79,7 +79,7 @@ struct X11Platform::Services
     SyslogLog systemLog;
     LinuxClock clock;
     NotificationCenter notificationCenter;
-    LinuxApplication application;
+    X11Application application;
     JsonUserDefaults userDefaults{configurationFile(), systemLog};
     LinuxSecretStore secretStore{secretsFile(), systemLog};
     XdgLoginItem loginItem;
@@ -117,7 +117,9 @@ void X11Platform::prepareEnvironment()
 
 X11Platform::X11Platform()
     : m_services(std::make_unique<Services>())
-{}
+{
+    m_services->application.setPanelHost(m_services->panelHost);
+}
 
 X11Platform::~X11Platform()
 {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Platform/X11/Xcb.h"
 
+#include <algorithm>
+
 #include <QGuiApplication>
 
 namespace tovi {
@@ -16,6 +18,19 @@ xcb_connection_t *connection()
 xcb_window_t root()
 {
     return xcb_setup_roots_iterator(xcb_get_setup(connection())).data->root;
+}
+
+void requestOfWindowManager(xcb_window_t window, xcb_atom_t type, std::initializer_list<quint32> data)
+{
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = window;
+    event.type = type;
+    std::ranges::copy(data, event.data.data32);
+    xcb_send_event(connection(), 0, root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                   reinterpret_cast<const char *>(&event));
 }
 
 } // namespace QtXcb

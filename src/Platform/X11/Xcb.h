@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdlib>
+#include <initializer_list>
 #include <memory>
 
 #include <QByteArray>
@@ -25,6 +26,8 @@ using XcbOwned = std::unique_ptr<T, XcbFree>;
 namespace QtXcb {
 xcb_connection_t *connection();
 xcb_window_t root();
+/// A client message about a window; `data` holds five items at most.
+void requestOfWindowManager(xcb_window_t window, xcb_atom_t type, std::initializer_list<quint32> data);
 } // namespace QtXcb
 
 inline xcb_intern_atom_cookie_t requestAtom(xcb_connection_t *connection, QByteArrayView name)

@@ -2,14 +2,14 @@
 #include "UI/SettingsView/AboutSettingsView.h"
 
 #include <QBoxLayout>
-#include <QCoreApplication>
 
+#include "BundleInformation.h"
 #include "Localization.h"
 #include "UI/Forms/FormButton.h"
 #include "UI/Forms/FormLabel.h"
 #include "UI/Forms/FormStyle.h"
 #include "UI/LogoView.h"
-#include "UI/SettingsWindowController.h"
+#include "UI/UpdateWindow.h"
 
 namespace tovi {
 
@@ -40,17 +40,15 @@ AboutSettingsView::AboutSettingsView(QWidget *parent)
     column->addWidget(new LogoView(96), 0, Qt::AlignHCenter);
     column->addSpacing(6);
     column->addWidget(makeLine(FormLabel::Role::title, QStringLiteral("Tovi"), 24, QFont::DemiBold));
-    const QString versionText = version(QCoreApplication::applicationVersion(), QString());
+    const QString versionText = version(BundleInformation::shortVersion(), BundleInformation::version());
     column->addWidget(makeLine(FormLabel::Role::caption, formatted(t(Str::aboutVersionFormat), {versionText}),
                                FormStyle::bodySize, QFont::Normal));
     column->addWidget(
         makeLine(FormLabel::Role::caption, t(Str::aboutSubtitle), FormStyle::captionSize, QFont::Normal));
     column->addSpacing(12);
     auto *updates = new FormButton(t(Str::menuCheckUpdates));
-    connect(updates, &QPushButton::clicked, this, [] {
-        if (const auto &check = SettingsWindowController::shared().onCheckForUpdates)
-            check();
-    });
+    updates->setEnabled(BundleInformation::looksForUpdates());
+    connect(updates, &QPushButton::clicked, this, &UpdateWindow::checkForUpdates);
     column->addWidget(updates, 0, Qt::AlignHCenter);
     column->addStretch(1);
 }

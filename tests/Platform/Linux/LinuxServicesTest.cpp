@@ -158,6 +158,17 @@ TEST(TerminalEmulators, CopyWithTheirOwnKeyOrNone)
         EXPECT_EQ(copyModifiers(c.hints, c.entry), c.expected) << c.hints.windowClass.toStdString();
 }
 
+/// Without a display server.
+struct HeadlessApplication final : LinuxApplication
+{
+    void setActivationPolicy(ActivationPolicy) override {}
+    void hide() override {}
+    void hideOtherApplications() override {}
+    void unhideAllApplications() override {}
+    StatusBar statusBar() override { return {}; }
+    Subscription watchStatusBar(std::function<void()>) override { return {}; }
+};
+
 TEST(LinuxApplication, PreferredLanguagesComeFromTheEnvironment)
 {
     struct Case
@@ -180,7 +191,7 @@ TEST(LinuxApplication, PreferredLanguagesComeFromTheEnvironment)
     QList<QByteArray> kept;
     for (const char *name : names)
         kept << qgetenv(name);
-    LinuxApplication application;
+    HeadlessApplication application;
     for (const Case &c : cases) {
         const QByteArray values[] = {c.language, c.all, c.messages, c.lang};
         for (int i = 0; i < 4; ++i)
@@ -196,7 +207,7 @@ TEST(LinuxApplication, PreferredLanguagesComeFromTheEnvironment)
 TEST(LinuxApplication, AppearanceIsAPalette)
 {
     const auto isDark = [] { return QApplication::palette().window().color().lightness() < 128; };
-    LinuxApplication application;
+    HeadlessApplication application;
     application.setAppearance(Application::Appearance::Dark);
     EXPECT_TRUE(isDark());
     EXPECT_GT(QApplication::palette().windowText().color().lightness(), 128);

@@ -34,20 +34,16 @@ LiveDesktop::LiveDesktop()
     m_windowManager.setStandardErrorFile(QProcess::nullDevice());
     m_windowManager.start(QStringLiteral("openbox"), {});
     XcbSession session;
-    const xcb_atom_t check = session.atom("_NET_SUPPORTING_WM_CHECK");
-    while (propertyItems(session.reply(session.requestProperty(session.root(), check)).get()).isEmpty()) {
+    // The last thing it announces; a window that asks to be shown before is forgotten.
+    const xcb_atom_t check = session.atom("_NET_CLIENT_LIST");
+    const auto isAnnounced = [&] {
+        const auto list = session.reply(session.requestProperty(session.root(), check));
+        return list && list->type != XCB_ATOM_NONE;
+    };
+    while (!isAnnounced()) {
         if (m_windowManager.state() == QProcess::NotRunning || !session.isOpen())
             qFatal("no window manager");
         usleep(2000);
-    }
-    // A window that comes while it starts may be overlooked for ever.
-    const xcb_window_t probe = xcb_generate_id(session.connection());
-    xcb_create_window(session.connection(), XCB_COPY_FROM_PARENT, probe, session.root(), 0, 0, 10, 10, 0,
-                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
-    const xcb_atom_t state = session.atom("WM_STATE");
-    while (propertyItems(session.reply(session.requestProperty(probe, state)).get()).isEmpty()) {
-        xcb_map_window(session.connection(), probe);
-        usleep(10000);
     }
 }
 

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+// The list of versions, and notes as they come in a page.
+#include <cstdlib>
+
+#include "Appcast.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, size_t size)
+{
+    using namespace tovi;
+    const QByteArray body(reinterpret_cast<const char *>(data), qsizetype(size));
+    const auto items = Appcast::parse(body, QUrl(QStringLiteral("https://example.org/feed.xml")));
+    for (const AppcastItem &item : items.value_or(QList<AppcastItem>())) {
+        const bool isFit = (item.page.isEmpty() || Appcast::mayBeOpened(item.page)) &&
+                           (item.notesLink.isEmpty() || Appcast::mayBeOpened(item.notesLink));
+        if (item.version.isEmpty() || !isFit || compareVersions(item.version, item.version) != 0)
+            std::abort();
+    }
+    const QString text = QString::fromUtf8(body);
+    Appcast::plainText(text);
+    const QString one = text.first(text.size() / 2);
+    const QString other = text.sliced(one.size());
+    if ((compareVersions(one, other) < 0) != (compareVersions(other, one) > 0))
+        std::abort();
+    return 0;
+}

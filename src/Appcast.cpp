@@ -1,0 +1,320 @@
+// SPDX-License-Identifier: MIT
+#include "Appcast.h"
+
+#include <QRegularExpression>
+#include <QSysInfo>
+#include <QXmlStreamReader>
+
+namespace tovi {
+
+namespace {
+
+constexpr qsizetype longestNotes = 32 * 1024; // characters
+constexpr qsizetype mostItems = 1000;
+const auto ownSystem = QLatin1String("linux");
+
+/// A version's next number or word; separators are skipped.
+QStringView takePart(QStringView &text)
+{
+    qsizetype begin = 0;
+    while (begin < text.size() && !text[begin].isLetterOrNumber())
+        ++begin;
+    qsizetype end = begin;
+    while (end < text.size() && text[end].isLetterOrNumber() && text[end].isDigit() == text[begin].isDigit())
+        ++end;
+    const QStringView part = text.sliced(begin, end - begin);
+    text = text.sliced(end);
+    return part;
+}
+
+bool isNumber(QStringView part)
+{
+    return !part.isEmpty() && part[0].isDigit();
+}
+
+QStringView withoutZeros(QStringView number)
+{
+    while (number.startsWith(u'0'))
+        number = number.sliced(1);
+    return number;
+}
+
+QStringView weighed(QStringView version)
+{
+    version = version.trimmed();
+    if (version.startsWith(u'v', Qt::CaseInsensitive))
+        version = version.sliced(1);
+    const qsizetype plus = version.indexOf(u'+');
+    return plus < 0 ? version : version.first(plus);
+}
+
+std::weak_ordering compareParts(QStringView one, QStringView other)
+{
+    if (isNumber(one) || isNumber(other)) {
+        // Any number comes after any word, and after nothing unless it is 0.
+        const bool oneIsWord = !one.isEmpty() && !isNumber(one);
+        const bool otherIsWord = !other.isEmpty() && !isNumber(other);
+        if (oneIsWord != otherIsWord)
+            return otherIsWord <=> oneIsWord;
+        one = withoutZeros(one);
+        other = withoutZeros(other);
+        if (one.size() != other.size())
+            return one.size() <=> other.size();
+        return one.compare(other) <=> 0;
+    }
+    if (one.isEmpty() || other.isEmpty())
+        return one.isEmpty() <=> other.isEmpty();
+    return one.compare(other, Qt::CaseInsensitive) <=> 0;
+}
+
+QUrl opened(const QString &link, const QUrl &base)
+{
+    if (link.trimmed().isEmpty())
+        return {};
+    const QUrl url = base.resolved(QUrl(link.trimmed()));
+    return Appcast::mayBeOpened(url) ? url : QUrl();
+}
+
+/// An item while it is read.
+struct Draft
+{
+    AppcastItem item;
+    QString system;
+    QString minimumSystem;
+    QString channel;
+    QUrl enclosure;
+
+    bool isForUs() const
+    {
+        if (!channel.isEmpty() || (!system.isEmpty() && system.compare(ownSystem, Qt::CaseInsensitive) != 0))
+            return false;
+        // A version number of a system that is not named says nothing about this one.
+        return system.isEmpty() || minimumSystem.isEmpty() ||
+               compareVersions(QSysInfo::kernelVersion(), minimumSystem) >= 0;
+    }
+};
+
+/// What an attribute or an element of this name says, wherever it stands.
+void takeField(Draft &draft, QStringView name, const QString &value)
+{
+    const struct
+    {
+        const char *name;
+        QString &field;
+    } fields[] = {{"version", draft.item.version},
+                  {"shortVersionString", draft.item.shortVersion},
+                  {"minimumSystemVersion", draft.minimumSystem},
+                  {"os", draft.system},
+                  {"channel", draft.channel}};
+    for (const auto &[fieldName, field] : fields) {
+        if (name == QLatin1String(fieldName) && !value.trimmed().isEmpty())
+            field = value.simplified();
+    }
+}
+
+/// The reader's own function calls itself for each level of nesting.
+QString elementText(QXmlStreamReader &xml)
+{
+    QString text;
+    for (int depth = 1; depth > 0 && !xml.atEnd();) {
+        const auto token = xml.readNext();
+        if (token == QXmlStreamReader::StartElement)
+            ++depth;
+        else if (token == QXmlStreamReader::EndElement)
+            --depth;
+        else if (token == QXmlStreamReader::Characters)
+            text += xml.text();
+    }
+    return text;
+}
+
+void readElement(QXmlStreamReader &xml, Draft &draft, const QUrl &address)
+{
+    const QString name = xml.name().toString();
+    const bool isOfFeed = xml.namespaceUri().isEmpty(); // and not an extension's
+    if (name == QLatin1String("enclosure")) {
+        const auto attributes = xml.attributes();
+        for (const QXmlStreamAttribute &attribute : attributes)
+            takeField(draft, attribute.name(), attribute.value().toString());
+        draft.enclosure = opened(attributes.value(QLatin1String("url")).toString(), address);
+        xml.skipCurrentElement();
+        return;
+    }
+    const QString text = elementText(xml);
+    if (name == QLatin1String("title") && isOfFeed)
+        draft.item.title = text.simplified();
+    else if (name == QLatin1String("link") && isOfFeed)
+        draft.item.page = opened(text, address);
+    else if (name == QLatin1String("releaseNotesLink") && draft.item.notesLink.isEmpty())
+        draft.item.notesLink = opened(text, address);
+    else if (name == QLatin1String("description"))
+        draft.item.notes = Appcast::plainText(text);
+    else
+        takeField(draft, name, text);
+}
+
+std::optional<AppcastItem> readItem(QXmlStreamReader &xml, const QUrl &address)
+{
+    Draft draft;
+    while (xml.readNextStartElement())
+        readElement(xml, draft, address);
+    AppcastItem &item = draft.item;
+    if (item.version.isEmpty())
+        item.version = item.shortVersion;
+    if (item.version.isEmpty()) {
+        static const QRegularExpression number(QStringLiteral("\\d+(?:\\.\\d+)+\\S*"));
+        item.version = number.match(item.title).captured();
+    }
+    if (item.page.isEmpty())
+        item.page = draft.enclosure;
+    return item.version.isEmpty() || !draft.isForUs() ? std::nullopt : std::optional(item);
+}
+
+/// What people read decides; a version with points is such a one.
+QStringView readableVersion(const AppcastItem &item)
+{
+    return item.shortVersion.isEmpty() && item.version.contains(u'.') ? item.version : item.shortVersion;
+}
+
+QString decoded(QStringView entity)
+{
+    static const struct
+    {
+        const char *name;
+        char16_t character;
+    } known[] = {{"amp", u'&'},        {"lt", u'<'},       {"gt", u'>'},          {"quot", u'"'},
+                 {"apos", u'\''},      {"nbsp", u' '},     {"hellip", u'\u2026'}, {"ndash", u'\u2013'},
+                 {"mdash", u'\u2014'}, {"bull", u'\u2022'}};
+    for (const auto &[name, character] : known) {
+        if (entity == QLatin1String(name))
+            return QChar(character);
+    }
+    if (!entity.startsWith(u'#'))
+        return {};
+    const bool isHex = entity.mid(1, 1).compare(u'x', Qt::CaseInsensitive) == 0;
+    bool isCode = false;
+    const uint code = entity.mid(isHex ? 2 : 1).toUInt(&isCode, isHex ? 16 : 10);
+    const bool isShown = isCode && code >= 0x20 && code <= 0x10ffff && (code < 0xd800 || code > 0xdfff);
+    return isShown ? QString::fromUcs4(reinterpret_cast<const char32_t *>(&code), 1) : QString();
+}
+
+} // namespace
+
+std::weak_ordering compareVersions(QStringView one, QStringView other)
+{
+    one = weighed(one);
+    other = weighed(other);
+    while (!one.isEmpty() || !other.isEmpty()) {
+        if (const auto order = compareParts(takePart(one), takePart(other)); order != 0)
+            return order;
+    }
+    return std::weak_ordering::equivalent;
+}
+
+bool Appcast::mayBeOpened(const QUrl &url)
+{
+    if (!url.isValid() || url.host().isEmpty())
+        return false;
+    static const QStringList local{QStringLiteral("localhost"), QStringLiteral("127.0.0.1"),
+                                   QStringLiteral("::1")};
+    const bool isLocal = local.contains(url.host());
+    return url.scheme() == QLatin1String("https") || (isLocal && url.scheme() == QLatin1String("http"));
+}
+
+std::optional<QList<AppcastItem>> Appcast::parse(const QByteArray &feed, const QUrl &address)
+{
+    QXmlStreamReader xml(feed);
+    QList<AppcastItem> items;
+    bool hasChannel = false;
+    if (!xml.readNextStartElement() || xml.name() != QLatin1String("rss"))
+        return std::nullopt;
+    while (xml.readNextStartElement()) {
+        if (xml.name() != QLatin1String("channel")) {
+            xml.skipCurrentElement();
+            continue;
+        }
+        hasChannel = true;
+        while (xml.readNextStartElement()) {
+            if (xml.name() != QLatin1String("item") || items.size() == mostItems)
+                xml.skipCurrentElement();
+            else if (const auto item = readItem(xml, address))
+                items << *item;
+        }
+    }
+    return xml.hasError() || !hasChannel ? std::nullopt : std::optional(items);
+}
+
+bool Appcast::isNewer(const AppcastItem &item, QStringView shortVersion, QStringView version)
+{
+    const QStringView readable = readableVersion(item);
+    if (readable.isEmpty())
+        return compareVersions(item.version, version) > 0;
+    const auto order = compareVersions(readable, shortVersion);
+    // Another build of the same version.
+    return order > 0 ||
+           (order == 0 && !item.version.contains(u'.') && compareVersions(item.version, version) > 0);
+}
+
+std::optional<AppcastItem> Appcast::newest(const QList<AppcastItem> &items, QStringView shortVersion,
+                                           QStringView version)
+{
+    std::optional<AppcastItem> newest;
+    for (const AppcastItem &item : items) {
+        const bool isBetter = newest ? isNewer(item, newest->displayVersion(), newest->version)
+                                     : isNewer(item, shortVersion, version);
+        if (isBetter)
+            newest = item;
+    }
+    return newest;
+}
+
+QString Appcast::plainText(QStringView html)
+{
+    static const QRegularExpression unseen(QStringLiteral("^(script|style|head|title)$"));
+    static const QRegularExpression lines(
+        QStringLiteral("^(br|p|div|h[1-6]|ul|ol|li|tr|table|section|article|blockquote|pre|hr)$"));
+    QString text;
+    for (qsizetype i = 0; i < html.size() && text.size() < longestNotes;) {
+        if (html[i] == u'&') {
+            const qsizetype end = html.sliced(i, std::min<qsizetype>(12, html.size() - i)).indexOf(u';');
+            const QString character = end > 0 ? decoded(html.sliced(i + 1, end - 1)) : QString();
+            text += character.isEmpty() ? QString(html[i]) : character;
+            i += character.isEmpty() ? 1 : end + 1;
+            continue;
+        }
+        const bool isTag = html[i] == u'<' && i + 1 < html.size() &&
+                           (html[i + 1].isLetter() || html[i + 1] == u'/' || html[i + 1] == u'!');
+        if (!isTag) {
+            text += html[i++];
+            continue;
+        }
+        const bool isComment = html.sliced(i).startsWith(QLatin1String("<!--"));
+        const qsizetype close = isComment ? html.indexOf(QLatin1String("-->"), i) : html.indexOf(u'>', i);
+        if (close < 0)
+            break;
+        const QStringView tag = html.sliced(i + 1, close - i - 1);
+        const bool isEnd = tag.startsWith(u'/');
+        qsizetype length = isEnd ? 1 : 0;
+        while (length < tag.size() && tag[length].isLetterOrNumber())
+            ++length;
+        const QString name = tag.sliced(isEnd ? 1 : 0, length - (isEnd ? 1 : 0)).toString().toLower();
+        i = close + (isComment ? 3 : 1);
+        if (lines.match(name).hasMatch())
+            text +=
+                name == QLatin1String("li") && !isEnd ? QStringLiteral("\n\u2022 ") : QStringLiteral("\n");
+        if (!isEnd && unseen.match(name).hasMatch()) {
+            const qsizetype end = html.indexOf(QString(QStringLiteral("</") + name), i, Qt::CaseInsensitive);
+            i = end < 0 ? html.size() : end;
+        }
+    }
+    static const QRegularExpression blanks(QStringLiteral("[ \t\r\f]+"));
+    static const QRegularExpression aroundBreaks(QStringLiteral(" ?\n ?"));
+    static const QRegularExpression manyBreaks(QStringLiteral("\n{3,}"));
+    return text.replace(blanks, QStringLiteral(" "))
+        .replace(aroundBreaks, QStringLiteral("\n"))
+        .replace(manyBreaks, QStringLiteral("\n\n"))
+        .trimmed()
+        .left(longestNotes);
+}
+
+} // namespace tovi

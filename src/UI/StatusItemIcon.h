@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <optional>
+
+#include <QIcon>
+
+namespace tovi {
+
+/// The status item's picture for a dark or a light ground; on an unknown one, a shape that is seen on both.
+/// Main thread.
+QIcon statusItemIcon(std::optional<bool> isDarkGround);
+
+} // namespace tovi

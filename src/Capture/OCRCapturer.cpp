@@ -80,8 +80,8 @@ QCoro::Task<std::optional<QImage>> captureScreen(QRectF rect)
         const auto screenshot = screenCapture.captureImage(filter, configuration);
         const QImage image = co_await screenshot;
         co_return image;
-    } catch (const ScreenCaptureError &error) {
-        log(QStringLiteral("ScreenCaptureKit failed: ") + error.localizedDescription());
+    } catch (const std::exception &error) {
+        log(QStringLiteral("ScreenCaptureKit failed: ") + QString::fromUtf8(error.what()));
     }
     co_return std::nullopt;
 }
@@ -99,9 +99,9 @@ QCoro::Task<QString> recognize(QImage image, std::stop_token stop)
         for (const RecognizedText &observation : observations)
             lines << observation.text;
         log(QStringLiteral("recognition finished in %1s").arg(secondsSince(start)));
-    } catch (const TextRecognitionError &error) {
+    } catch (const std::exception &error) {
         if (!stop.stop_requested())
-            log(QStringLiteral("recognition failed: ") + error.description());
+            log(QStringLiteral("recognition failed: ") + QString::fromUtf8(error.what()));
     }
     const QString text = lines.join(QLatin1Char('\n')).trimmed();
     co_return text;
@@ -117,7 +117,7 @@ QCoro::Task<OCRResult> recognizeText(QRectF rect, std::function<void(OCRProgress
     const Clock::Time start = Platform::current().clock().now();
     log(QStringLiteral("capture started"));
     auto capture = captureScreen(rect);
-    const std::optional<QImage> image = co_await capture;
+    std::optional<QImage> image = co_await capture;
     if (!image)
         co_return OCRResult{.kind = OCRResult::Kind::permissionDenied};
     log(QStringLiteral("captured %1x%2 in %3s")
@@ -126,7 +126,7 @@ QCoro::Task<OCRResult> recognizeText(QRectF rect, std::function<void(OCRProgress
             .arg(secondsSince(start)));
     if (onProgress)
         onProgress(OCRProgress::recognizing);
-    auto recognition = recognize(*image, stop);
+    auto recognition = recognize(std::move(*image), stop);
     const QString text = co_await recognition;
     if (!text.isEmpty())
         co_return OCRResult{.kind = OCRResult::Kind::text, .text = text};

@@ -38,9 +38,11 @@ class PanelHost
 public:
     virtual ~PanelHost() = default;
     virtual std::unique_ptr<Panel> makePanel(std::unique_ptr<QWidget> content) = 0;
-    /// Covers a display: square, above all other windows, out of the window manager's reach. Where the
-    /// content paints nothing the screen shows through, or, where the desktop cannot do that, a picture of
-    /// the screen at the moment when the overlay came. Once one is key, all keys go to it until it goes.
+    /// A window over a whole display, without decoration, above all others; it comes within a moment and
+    /// changes neither the active window nor the focus. Where the content paints nothing the screen shows
+    /// through, or, where the desktop cannot do that, a picture of the screen when the overlay came. Once it
+    /// is key, all keys of the desktop go to it until it goes. Keys and closing are the content's: onEscape
+    /// is not called.
     virtual std::unique_ptr<Panel> makeOverlay(std::unique_ptr<QWidget> content) = 0;
 };
 

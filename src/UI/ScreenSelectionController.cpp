@@ -33,6 +33,12 @@ ScreenSelectionController::ScreenSelectionController()
     const auto cancel = [this] { finish(std::nullopt); };
     connect(qGuiApp, &QGuiApplication::screenAdded, this, cancel);
     connect(qGuiApp, &QGuiApplication::screenRemoved, this, cancel);
+    const auto watch = [this, cancel](const QScreen *screen) {
+        connect(screen, &QScreen::geometryChanged, this, cancel);
+    };
+    for (const QScreen *screen : QGuiApplication::screens())
+        watch(screen);
+    connect(qGuiApp, &QGuiApplication::screenAdded, this, watch);
 }
 
 ScreenSelectionController::~ScreenSelectionController()

@@ -91,7 +91,7 @@ void SelectionView::mousePressEvent(QMouseEvent *event)
     }
     if (event->button() != Qt::LeftButton)
         return;
-    m_startPoint = m_currentPoint = viewPoint(*event);
+    m_startPoint = viewPoint(*event);
     m_selectionRect = {};
     update();
 }
@@ -120,7 +120,6 @@ void SelectionView::mouseReleaseEvent(QMouseEvent *event)
 
 void SelectionView::dragTo(QPointF point)
 {
-    m_currentPoint = point;
     if (!m_startPoint)
         return;
     const bool wasSelecting = hasSelection();

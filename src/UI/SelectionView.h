@@ -42,7 +42,6 @@ private:
     QRegion markedRegion() const;
 
     std::optional<QPointF> m_startPoint;
-    std::optional<QPointF> m_currentPoint;
     QRectF m_selectionRect;
 };
 

@@ -158,14 +158,13 @@ void TesseractEngines::endIdle(Clock::Duration idle)
 
 void TesseractEngines::endIdleDoubles(Clock::Duration idle)
 {
-    QSet<QString> kept;
-    end([limit = m_clock.now() - idle, &kept](const Engine &engine) {
-        if (engine.lastUse > limit || !kept.contains(engine.language)) {
-            kept << engine.language;
-            return false;
-        }
-        return true;
-    });
+    // The first one of a language stays.
+    const auto isDouble = [this](const Engine &engine) {
+        const auto first = std::ranges::find(m_resting, engine.language, &Engine::language);
+        return first->api != engine.api;
+    };
+    const Clock::Time limit = m_clock.now() - idle;
+    end([&](const Engine &engine) { return engine.lastUse <= limit && isDouble(engine); });
 }
 
 void TesseractEngines::end(const std::function<bool(const Engine &)> &isOver)
@@ -173,10 +172,10 @@ void TesseractEngines::end(const std::function<bool(const Engine &)> &isOver)
     std::vector<Engine> ended;
     {
         const std::scoped_lock lock(m_mutex);
-        const auto over =
-            std::stable_partition(m_resting.begin(), m_resting.end(), std::not_fn(std::cref(isOver)));
-        ended.assign(over, m_resting.end());
-        m_resting.erase(over, m_resting.end());
+        std::ranges::copy_if(m_resting, std::back_inserter(ended), isOver);
+        std::erase_if(m_resting, [&](const Engine &engine) {
+            return std::ranges::find(ended, engine.api, &Engine::api) != ended.end();
+        });
     }
     for (const Engine &engine : ended)
         m_library.destroy(engine.api);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <exception>
 #include <latch>
 #include <mutex>
 
@@ -44,9 +45,16 @@ template <class Work>
 void inParallel(QThreadPool &pool, int count, const Work &work)
 {
     std::atomic_int next = 0;
+    std::exception_ptr error;
+    std::once_flag failed;
     const auto loop = [&] {
-        for (int i = next++; i < count; i = next++)
-            work(i);
+        try {
+            for (int i = next++; i < count; i = next++)
+                work(i);
+        } catch (...) {
+            next = count;
+            std::call_once(failed, [&] { error = std::current_exception(); });
+        }
     };
     std::latch helperEnd(1);
     const bool hasHelper = count > 1 && pool.tryStart([&] {
@@ -56,6 +64,8 @@ void inParallel(QThreadPool &pool, int count, const Work &work)
     loop();
     if (hasHelper)
         helperEnd.wait();
+    if (error)
+        std::rethrow_exception(error);
 }
 
 class Recognition
@@ -74,7 +84,8 @@ public:
 
     QList<RecognizedText> run()
     {
-        const QList<QRect> boxes = findTextLines(m_gray);
+        const QList<QRect> boxes = findTextLines(m_gray, [this] { return isStopped(); });
+        throwIfStopped();
         if (boxes.isEmpty())
             return {};
         std::vector<TesseractReading> readings(size_t(boxes.size()));

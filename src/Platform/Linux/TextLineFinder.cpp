@@ -15,9 +15,10 @@ constexpr int narrowestFrame = 40; ///< pixels of a button or a cell
 constexpr int lowestFrame = 14;
 constexpr int frameWidth = 3;
 constexpr int frameCorner = 8;
-constexpr int lowestBlock = 20; ///< pixels of lines that touch
-constexpr int smallestLine = 5; ///< pixels of height
-constexpr double gutter = 1.8;  ///< of a line's height: a gap so wide separates columns
+constexpr qsizetype mostLines = 3000; ///< a large screen full of small text; more are a pattern
+constexpr int lowestBlock = 20;       ///< pixels of lines that touch
+constexpr int smallestLine = 5;       ///< pixels of height
+constexpr double gutter = 1.8;        ///< of a line's height: a gap so wide separates columns
 
 struct Span
 {
@@ -197,8 +198,9 @@ private:
 class LineFinder
 {
 public:
-    explicit LineFinder(const QImage &gray)
-        : m_edges(gray)
+    LineFinder(const QImage &gray, const std::function<bool()> &isStopped)
+        : m_isStopped(isStopped)
+        , m_edges(gray)
     {}
 
     QList<QRect> find()
@@ -229,8 +231,10 @@ private:
     std::vector<Span> linesOf(const QRect &rect, const Span &block) const
     {
         const QRect part = rowRect(rect, block.begin, block.end);
+        if (block.length() < lowestBlock)
+            return {block};
         const int letter = m_edges.letterHeight(part);
-        if (letter == 0 || block.length() < lowestBlock || block.length() * 2 < letter * 5)
+        if (letter == 0 || block.length() * 2 < letter * 5)
             return {block};
         const std::vector<int> ink = m_edges.inkOfRows(part);
         std::vector<Span> lines;
@@ -288,11 +292,11 @@ private:
     void split(const QRect &rect)
     {
         const std::vector<Span> rows = rowsOf(rect);
-        for (size_t i = 0; i < rows.size();) {
+        for (size_t i = 0; i < rows.size() && !isOver();) {
             // As many rows as share a gutter are columns, which are read one after the other.
             std::vector<Span> columns;
             size_t end = i;
-            for (size_t next = i; next < rows.size(); ++next) {
+            for (size_t next = i; next < rows.size() && !isOver(); ++next) {
                 const std::vector<Span> wider =
                     columnsOf(rowRect(rect, rows[i].begin, rows[next].end), m_lineHeight);
                 if (wider.size() < 2 || (!columns.empty() && wider.size() != columns.size()))
@@ -317,6 +321,8 @@ private:
         }
     }
 
+    bool isOver() const { return m_lines.size() >= mostLines || m_isStopped(); }
+
     void addLines(const QRect &rect)
     {
         for (const Span &line : linesOf(rect, {rect.top(), rect.bottom() + 1}))
@@ -335,6 +341,7 @@ private:
             m_lines << box;
     }
 
+    const std::function<bool()> &m_isStopped;
     EdgeMap m_edges;
     int m_lineHeight = smallestLine;
     QList<QRect> m_lines;
@@ -342,12 +349,12 @@ private:
 
 } // namespace
 
-QList<QRect> findTextLines(const QImage &gray)
+QList<QRect> findTextLines(const QImage &gray, const std::function<bool()> &isStopped)
 {
     if (gray.isNull())
         return {};
     Q_ASSERT(gray.format() == QImage::Format_Grayscale8);
-    return LineFinder(gray).find();
+    return LineFinder(gray, isStopped).find();
 }
 
 } // namespace tovi

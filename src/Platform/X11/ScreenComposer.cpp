@@ -33,15 +33,19 @@ public:
     }
     ~SharedBytes()
     {
-        // It goes with its last user, who may be the image.
-        if (m_id >= 0)
-            shmctl(m_id, IPC_RMID, nullptr);
+        hide();
         if (m_bytes)
             shmdt(m_bytes);
     }
     SharedBytes(const SharedBytes &) = delete;
 
     int id() const { return m_id; }
+    /// From others; from then on it goes with its last user, who may be the image.
+    void hide()
+    {
+        if (m_id >= 0)
+            shmctl(std::exchange(m_id, -1), IPC_RMID, nullptr);
+    }
     explicit operator bool() const { return m_bytes; }
     QImage takeImage(QSize size)
     {
@@ -91,13 +95,15 @@ public:
         xcb_render_fill_rectangles(m_connection, XCB_RENDER_PICT_OP_SRC, picture, {0, 0, 0, 0xffff}, 1,
                                    &rectangle);
     }
-    /// Draws all of a picture whose top-left corner is at `origin` on the desktop.
-    void draw(xcb_render_picture_t source, QPoint origin, uint8_t operation) const
+    /// Draws a picture that has this place on the desktop.
+    void draw(xcb_render_picture_t source, const QRect &place, uint8_t operation) const
     {
-        const QPoint offset = area.topLeft() - origin;
+        const QRect part = place.intersected(area);
+        const QPoint from = part.topLeft() - place.topLeft();
+        const QPoint to = part.topLeft() - area.topLeft();
         xcb_render_composite(m_connection, operation, source, XCB_RENDER_PICTURE_NONE, picture,
-                             int16_t(offset.x()), int16_t(offset.y()), 0, 0, 0, 0, uint16_t(area.width()),
-                             uint16_t(area.height()));
+                             int16_t(from.x()), int16_t(from.y()), 0, 0, int16_t(to.x()), int16_t(to.y()),
+                             uint16_t(part.width()), uint16_t(part.height()));
     }
 
     const QRect area;
@@ -213,7 +219,7 @@ bool ScreenComposer::drawWallpaper(const Canvas &canvas)
     const uint32_t repeat = XCB_RENDER_REPEAT_NORMAL;
     xcb_render_create_picture(connection, source, items.first(), formatOf(m_rootVisual), XCB_RENDER_CP_REPEAT,
                               &repeat);
-    canvas.draw(source, {0, 0}, XCB_RENDER_PICT_OP_SRC);
+    canvas.draw(source, QRect({0, 0}, canvas.area.bottomRight()), XCB_RENDER_PICT_OP_SRC);
     xcb_render_free_picture(connection, source);
     return true;
 }
@@ -223,7 +229,7 @@ void ScreenComposer::drawRoot(const Canvas &canvas)
     auto *connection = m_session.connection();
     const auto source = xcb_generate_id(connection);
     xcb_render_create_picture(connection, source, m_session.root(), formatOf(m_rootVisual), 0, nullptr);
-    canvas.draw(source, {0, 0}, XCB_RENDER_PICT_OP_SRC);
+    canvas.draw(source, QRect({0, 0}, canvas.area.bottomRight()), XCB_RENDER_PICT_OP_SRC);
     xcb_render_free_picture(connection, source);
 }
 
@@ -239,12 +245,12 @@ void ScreenComposer::drawWindow(const Canvas &canvas, const StackedWindow &windo
     xcb_composite_name_window_pixmap(connection, window.id, pixmap);
     xcb_render_create_picture(connection, source, pixmap, format, 0, nullptr);
     // The shape counts from the window's corner inside its border. It bounds the window, too.
-    const QPoint corner = window.outline.topLeft();
-    const QPoint inside = corner + QPoint(window.borderWidth, window.borderWidth) - canvas.area.topLeft();
+    const QPoint inside =
+        window.outline.topLeft() + QPoint(window.borderWidth, window.borderWidth) - canvas.area.topLeft();
     xcb_xfixes_create_region_from_window(connection, shape, window.id, XCB_SHAPE_SK_BOUNDING);
     xcb_xfixes_set_picture_clip_region(connection, canvas.picture, shape, int16_t(inside.x()),
                                        int16_t(inside.y()));
-    canvas.draw(source, corner, blends ? XCB_RENDER_PICT_OP_OVER : XCB_RENDER_PICT_OP_SRC);
+    canvas.draw(source, window.outline, blends ? XCB_RENDER_PICT_OP_OVER : XCB_RENDER_PICT_OP_SRC);
     xcb_xfixes_set_picture_clip_region(connection, canvas.picture, XCB_XFIXES_REGION_NONE, 0, 0);
     xcb_xfixes_destroy_region(connection, shape);
     xcb_render_free_picture(connection, source);
@@ -277,6 +283,8 @@ QImage ScreenComposer::readShared(const Canvas &canvas)
         return {};
     const auto segment = xcb_generate_id(connection);
     xcb_shm_attach(connection, segment, uint32_t(bytes.id()), 0);
+    m_session.reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(connection));
+    bytes.hide(); // both have it now
     const auto reply = m_session.reply<xcb_shm_get_image_reply_t>(
         xcb_shm_get_image(connection, canvas.pixmap, 0, 0, uint16_t(canvas.area.width()),
                           uint16_t(canvas.area.height()), ~0u, XCB_IMAGE_FORMAT_Z_PIXMAP, segment, 0));

@@ -148,7 +148,7 @@ void findProcesses(XcbSession &session, QList<StackedWindow> &windows)
 
 } // namespace
 
-QList<StackedWindow> stackedWindows(XcbSession &session, quint32 own)
+std::optional<QList<StackedWindow>> stackedWindows(XcbSession &session, quint32 own)
 {
     const xcb_window_t windowManager = windowManagerOf(session);
     QList<StackedWindow> windows = visibleWindows(session, windowManager);
@@ -157,6 +157,9 @@ QList<StackedWindow> stackedWindows(XcbSession &session, quint32 own)
         return windowManager && session.isSameClient(window.client, windowManager);
     });
     findProcesses(session, windows);
+    // Half a list would leave out too few.
+    if (session.isLate() || !session.isOpen())
+        return std::nullopt;
     return windows;
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <optional>
+
 #include <QList>
 #include <QRect>
 
@@ -21,7 +23,7 @@ struct StackedWindow
 
 /// All visible windows, the lowest first, without those that belong to the window manager alone: a frame is
 /// there a moment before its program's window is inside. A few round trips, however many windows there are.
-/// `own` is a resource of this program's.
-QList<StackedWindow> stackedWindows(XcbSession &session, quint32 own);
+/// `own` is a resource of this program's. None when the server does not answer in the session's time.
+std::optional<QList<StackedWindow>> stackedWindows(XcbSession &session, quint32 own);
 
 } // namespace tovi

@@ -48,7 +48,9 @@ public:
         if (event->type() != QEvent::KeyPress || !receiver->isWindowType())
             return false;
         const auto *press = static_cast<const QKeyEvent *>(event);
-        const auto keyCode = VirtualKeyCodes::fromCharacter(press->key());
+        auto keyCode = VirtualKeyCodes::fromCharacter(press->key());
+        if (!keyCode)
+            keyCode = VirtualKeyCodes::fromXKeycode(press->nativeScanCode());
         const auto handler = m_handler; // it may end this monitor
         return keyCode && handler({*keyCode, flagsOf(press->modifiers())});
     }

@@ -127,7 +127,7 @@ void X11HotKeyCenter::pressed(const xcb_key_press_event_t &event)
     }
     const uint16_t state = event.state & m_keyboard.relevant();
     for (const auto &[number, grab] : m_grabs) {
-        if (grab.keycode == event.detail && grab.state == state) {
+        if (grab.state && grab.keycode == event.detail && grab.state == state) {
             const quint32 pressedNumber = number; // the handler may unregister it
             letGo(event);
             if (const Handler handler = m_handler)

@@ -1,20 +1,30 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QPixmap>
+#include <QFuture>
+#include <QImage>
 #include <QPointer>
+#include <qcorotask.h>
 
 #include "Platform/Clock.h"
 #include "Platform/PanelHost.h"
 
 namespace tovi {
 
+class ScreenCapture;
+
 /// A window over a whole display that the window manager does not know of, so it moves neither the focus nor
-/// the active window. Without a compositor it shows the screen as it was.
+/// the active window. Without a compositor it shows a picture of the screen, and comes as soon as that is
+/// there.
 class X11Overlay final : public Panel
 {
 public:
-    X11Overlay(std::unique_ptr<QWidget> content, bool compositing, Clock &clock);
+    /// On a desktop with a compositor.
+    X11Overlay(std::unique_ptr<QWidget> content, Clock &clock);
+    /// `hiddenWindows` are windows of ours that may still be on the screen for a moment: the picture is
+    /// without them.
+    X11Overlay(std::unique_ptr<QWidget> content, Clock &clock, ScreenCapture &screenCapture,
+               QList<quint32> hiddenWindows);
     ~X11Overlay() override;
 
     QRectF frame() const override;
@@ -27,10 +37,12 @@ public:
 
 private:
     class Window;
+    static QCoro::Task<> showWithPicture(QPointer<Window> window, QFuture<QImage> picture);
 
     QPointer<Window> m_window;
-    const bool m_compositing;
     Clock &m_clock;
+    ScreenCapture *const m_screenCapture; ///< none with a compositor
+    const QList<quint32> m_hiddenWindows;
     Subscription m_nextGrab;
     bool m_hasKeyboard = false;
 };

@@ -129,8 +129,9 @@ private:
     std::unique_ptr<PanelWindow> m_window;
 };
 
-X11PanelHost::X11PanelHost(FrontWindow &frontWindow, Clock &clock)
+X11PanelHost::X11PanelHost(FrontWindow &frontWindow, Clock &clock, ScreenCapture &screenCapture)
     : m_clock(clock)
+    , m_screenCapture(screenCapture)
     , m_windows(new Windows{frontWindow, clock, {}, {}})
 {
     setUpCompositing();
@@ -156,7 +157,14 @@ std::unique_ptr<Panel> X11PanelHost::makePanel(std::unique_ptr<QWidget> content)
 
 std::unique_ptr<Panel> X11PanelHost::makeOverlay(std::unique_ptr<QWidget> content)
 {
-    return std::make_unique<X11Overlay>(std::move(content), m_compositing, m_clock);
+    if (m_compositing)
+        return std::make_unique<X11Overlay>(std::move(content), m_clock);
+    QList<quint32> hidden;
+    for (const PanelWindow *window : m_windows->all) {
+        if (!window->isVisible())
+            hidden << static_cast<quint32>(window->winId());
+    }
+    return std::make_unique<X11Overlay>(std::move(content), m_clock, m_screenCapture, hidden);
 }
 
 void X11PanelHost::hidePanels()

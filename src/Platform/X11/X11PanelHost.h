@@ -14,12 +14,13 @@ namespace tovi {
 
 class FrontWindow;
 class PanelWindow;
+class ScreenCapture;
 
 /// Panels as utility windows of the window manager. A window is kept ready, so that a panel appears sooner.
 class X11PanelHost final : public PanelHost, public QAbstractNativeEventFilter
 {
 public:
-    X11PanelHost(FrontWindow &frontWindow, Clock &clock);
+    X11PanelHost(FrontWindow &frontWindow, Clock &clock, ScreenCapture &screenCapture);
     ~X11PanelHost() override;
 
     std::unique_ptr<Panel> makePanel(std::unique_ptr<QWidget> content) override;
@@ -44,6 +45,7 @@ private:
     void prepareLater(Clock::Duration delay);
 
     Clock &m_clock;
+    ScreenCapture &m_screenCapture;
     std::shared_ptr<Windows> m_windows; // panels may outlive us by a moment
     Subscription m_preparation;
     xcb_atom_t m_compositorAtom = 0;

@@ -91,7 +91,7 @@ struct X11Platform::Services
     X11Pasteboard pasteboard;
     X11ScreenCapture screenCapture;
     TesseractRecognizer textRecognizer{clock};
-    X11PanelHost panelHost{workspace.frontWindow(), clock};
+    X11PanelHost panelHost{workspace.frontWindow(), clock, screenCapture};
     AtspiAccessibility accessibility{sharedWithoutOwnership(workspace.frontWindow()),
                                      std::make_shared<XcbPrimarySelection>(), accessibilityScale()};
     DevToolsScriptRunner scriptRunner{workspace, sharedWithoutOwnership(workspace.frontWindow())};

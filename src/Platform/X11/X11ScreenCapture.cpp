@@ -6,6 +6,8 @@
 #include <QCoreApplication>
 
 #include <xcb/composite.h>
+#include <xcb/render.h>
+#include <xcb/xfixes.h>
 
 #include "Platform/X11/ScreenComposer.h"
 #include "Platform/X11/ScreenGeometry.h"
@@ -42,7 +44,7 @@ QRect nativeRect(const ContentFilter &filter, const StreamConfiguration &configu
 bool isLeftOut(const StackedWindow &window, const ContentFilter &filter)
 {
     return filter.excludedApplication == window.processIdentifier ||
-           filter.excludedWindows.contains(window.id);
+           filter.excludedWindows.contains(window.id) || filter.excludedWindows.contains(window.client);
 }
 
 } // namespace
@@ -50,9 +52,9 @@ bool isLeftOut(const StackedWindow &window, const ContentFilter &filter)
 class X11ScreenCapture::Worker
 {
 public:
-    /// `ownWindow` belongs to the toolkit's connection.
-    explicit Worker(xcb_window_t ownWindow)
-        : m_ownWindow(ownWindow)
+    /// A number that the toolkit's connection may give to what it makes.
+    explicit Worker(quint32 ownResource)
+        : m_ownResource(ownResource)
     {}
 
     ShareableContent content()
@@ -101,16 +103,21 @@ private:
             m_link.reset();
             throw error("the display server refuses to compose windows");
         }
-        QList<StackedWindow> list = stackedWindows(session, m_ownWindow);
-        // The server may count processes from elsewhere (a container); ours we know.
-        for (StackedWindow &window : list) {
-            if (session.isSameClient(window.client, m_ownWindow))
-                window.processIdentifier = QCoreApplication::applicationPid();
+        auto list = stackedWindows(session, m_ownResource);
+        if (!list)
+            throw error("the display server does not answer");
+        // The server may count processes from elsewhere (a container): we know which windows are ours.
+        const qint64 ownProcess = QCoreApplication::applicationPid();
+        for (StackedWindow &window : *list) {
+            if (session.isSameClient(window.client, m_ownResource))
+                window.processIdentifier = ownProcess;
+            else if (window.processIdentifier == ownProcess)
+                window.processIdentifier = 0;
         }
-        return list;
+        return *list;
     }
 
-    const xcb_window_t m_ownWindow;
+    const quint32 m_ownResource;
     std::unique_ptr<Link> m_link;
 };
 
@@ -120,7 +127,8 @@ X11ScreenCapture::X11ScreenCapture()
     m_worker = std::make_unique<Worker>(xcb_generate_id(connection));
     const auto *composite = xcb_get_extension_data(connection, &xcb_composite_id);
     const auto *render = xcb_get_extension_data(connection, &xcb_render_id);
-    m_canCompose = composite && composite->present && render && render->present;
+    const auto *fixes = xcb_get_extension_data(connection, &xcb_xfixes_id);
+    m_canCompose = composite && composite->present && render && render->present && fixes && fixes->present;
     if (!m_canCompose)
         return;
     xcb_discard_reply(connection, xcb_composite_query_version(connection, 0, 4).sequence);

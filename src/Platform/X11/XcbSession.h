@@ -31,6 +31,8 @@ public:
         m_deadline = std::chrono::steady_clock::now() + limit;
     }
 
+    bool isLate() const { return std::chrono::steady_clock::now() > m_deadline; }
+
     /// The reply of a request, null when it failed or the deadline passed.
     template <class Reply, class Cookie>
     XcbOwned<Reply> reply(Cookie cookie)

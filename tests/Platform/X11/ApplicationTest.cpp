@@ -9,6 +9,7 @@
 #include "Platform/X11/LiveDesktop.h"
 #include "Platform/X11/X11Application.h"
 #include "Platform/X11/X11PanelHost.h"
+#include "Platform/X11/X11ScreenCapture.h"
 #include "Support/TestClock.h"
 
 namespace tovi {
@@ -38,7 +39,8 @@ struct Windows : testing::Test
     OtherClient user;
     TestClock clock;
     FrontWindow front;
-    X11PanelHost host{front, clock};
+    X11ScreenCapture capture;
+    X11PanelHost host{front, clock, capture};
     X11Application application;
 };
 

@@ -103,6 +103,16 @@ bool OtherClient::grab(uint8_t keycode, uint16_t state)
     return !XcbOwned<xcb_generic_error_t>(xcb_request_check(connection, cookie));
 }
 
+bool OtherClient::takeKeyboard()
+{
+    auto *connection = m_session.connection();
+    const auto reply = m_session.reply<xcb_grab_keyboard_reply_t>(
+        xcb_grab_keyboard(connection, 0, root(), XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
+    xcb_ungrab_keyboard(connection, XCB_CURRENT_TIME);
+    m_session.reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(connection));
+    return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+}
+
 bool OtherClient::isFree(uint8_t keycode, uint16_t state)
 {
     if (!grab(keycode, state))

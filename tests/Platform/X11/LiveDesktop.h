@@ -38,6 +38,8 @@ public:
     void press(std::initializer_list<uint8_t> chord);
     /// Takes the combination for itself; false when the server refuses.
     bool grab(uint8_t keycode, uint16_t state);
+    /// Takes the whole keyboard and gives it back; false while somebody else has it.
+    bool takeKeyboard();
     /// Whether nobody holds the combination.
     bool isFree(uint8_t keycode, uint16_t state);
     QList<quint32> property(xcb_window_t window, const char *name);

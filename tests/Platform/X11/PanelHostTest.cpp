@@ -15,6 +15,7 @@
 #include "Platform/X11/LiveDesktop.h"
 #include "Platform/X11/ScreenGeometry.h"
 #include "Platform/X11/X11PanelHost.h"
+#include "Platform/X11/X11ScreenCapture.h"
 #include "Platform/X11/X11Workspace.h"
 #include "Support/TestClock.h"
 
@@ -70,7 +71,8 @@ struct Panels : testing::Test
     OtherClient user;
     X11Workspace workspace;
     TestClock clock;
-    X11PanelHost host{workspace.frontWindow(), clock};
+    X11ScreenCapture capture;
+    X11PanelHost host{workspace.frontWindow(), clock, capture};
     std::unique_ptr<QProcess> target =
         LiveDesktop::start(QStringLiteral("xterm"),
                            {QStringLiteral("-name"), QStringLiteral("target"), QStringLiteral("-class"),

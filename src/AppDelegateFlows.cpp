@@ -55,6 +55,8 @@ void AppDelegate::triggerCapture()
 
 void AppDelegate::performCapture(bool preferOCR, std::optional<QPointF> at)
 {
+    // Its panel would come under the overlay.
+    ScreenSelectionController::shared().cancel();
     m_isCapturing = true;
     const qint64 token = nextToken();
     Trace::mark("captureStarted");
@@ -302,6 +304,7 @@ QCoro::Task<> AppDelegate::captureFromPasteboard()
 
 void AppDelegate::triggerInputTranslation()
 {
+    ScreenSelectionController::shared().cancel();
     ResultPanelManager::shared().closeUnpinned();
     const auto model = std::make_shared<ResultViewModel>(CaptureResult{});
     model->isInputPanel = true;

@@ -30,11 +30,11 @@ ScreenSelectionController &ScreenSelectionController::shared()
 ScreenSelectionController::ScreenSelectionController()
 {
     // An overlay of a display that went, or moved, would cover something else.
-    const auto cancel = [this] { finish(std::nullopt); };
-    connect(qGuiApp, &QGuiApplication::screenAdded, this, cancel);
-    connect(qGuiApp, &QGuiApplication::screenRemoved, this, cancel);
-    const auto watch = [this, cancel](const QScreen *screen) {
-        connect(screen, &QScreen::geometryChanged, this, cancel);
+    const auto changed = [this] { cancel(); };
+    connect(qGuiApp, &QGuiApplication::screenAdded, this, changed);
+    connect(qGuiApp, &QGuiApplication::screenRemoved, this, changed);
+    const auto watch = [this, changed](const QScreen *screen) {
+        connect(screen, &QScreen::geometryChanged, this, changed);
     };
     for (const QScreen *screen : QGuiApplication::screens())
         watch(screen);

@@ -32,6 +32,8 @@ public:
 
     /// Ends a selection under way without an answer. Nothing happens when there is no screen.
     void begin(const Completion &completion);
+    /// Ends a selection under way; its answer is none.
+    void cancel() { finish(std::nullopt); }
 
 private:
     void finish(std::optional<QRectF> rect);

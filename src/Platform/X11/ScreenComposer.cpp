@@ -96,13 +96,14 @@ public:
                                    &rectangle);
     }
     /// Draws a picture that has this place on the desktop.
-    void draw(xcb_render_picture_t source, const QRect &place, uint8_t operation) const
+    void draw(xcb_render_picture_t source, const QRect &place, uint8_t operation,
+              xcb_render_picture_t mask = XCB_RENDER_PICTURE_NONE) const
     {
         const QRect part = place.intersected(area);
         const QPoint from = part.topLeft() - place.topLeft();
         const QPoint to = part.topLeft() - area.topLeft();
-        xcb_render_composite(m_connection, operation, source, XCB_RENDER_PICTURE_NONE, picture,
-                             int16_t(from.x()), int16_t(from.y()), 0, 0, int16_t(to.x()), int16_t(to.y()),
+        xcb_render_composite(m_connection, operation, source, mask, picture, int16_t(from.x()),
+                             int16_t(from.y()), 0, 0, int16_t(to.x()), int16_t(to.y()),
                              uint16_t(part.width()), uint16_t(part.height()));
     }
 
@@ -250,7 +251,14 @@ void ScreenComposer::drawWindow(const Canvas &canvas, const StackedWindow &windo
     xcb_xfixes_create_region_from_window(connection, shape, window.id, XCB_SHAPE_SK_BOUNDING);
     xcb_xfixes_set_picture_clip_region(connection, canvas.picture, shape, int16_t(inside.x()),
                                        int16_t(inside.y()));
-    canvas.draw(source, window.outline, blends ? XCB_RENDER_PICT_OP_OVER : XCB_RENDER_PICT_OP_SRC);
+    if (blends && window.opacity != ~0u) {
+        const auto mask = xcb_generate_id(connection);
+        xcb_render_create_solid_fill(connection, mask, {0, 0, 0, uint16_t(window.opacity >> 16)});
+        canvas.draw(source, window.outline, XCB_RENDER_PICT_OP_OVER, mask);
+        xcb_render_free_picture(connection, mask);
+    } else {
+        canvas.draw(source, window.outline, blends ? XCB_RENDER_PICT_OP_OVER : XCB_RENDER_PICT_OP_SRC);
+    }
     xcb_xfixes_set_picture_clip_region(connection, canvas.picture, XCB_XFIXES_REGION_NONE, 0, 0);
     xcb_xfixes_destroy_region(connection, shape);
     xcb_render_free_picture(connection, source);

@@ -146,6 +146,22 @@ void findProcesses(XcbSession &session, QList<StackedWindow> &windows)
         window.processIdentifier = processes[window.client];
 }
 
+/// Window managers copy it from the client to the frame, but not all of them.
+void findOpacities(XcbSession &session, QList<StackedWindow> &windows)
+{
+    const xcb_atom_t opacity = session.atom("_NET_WM_WINDOW_OPACITY");
+    std::vector<xcb_get_property_cookie_t> questions;
+    for (const StackedWindow &window : windows) {
+        questions.push_back(session.requestProperty(window.id, opacity, 1));
+        questions.push_back(session.requestProperty(window.client, opacity, 1));
+    }
+    for (size_t i = 0; i < questions.size(); ++i) {
+        const auto items = propertyItems(session.reply(questions[i]).get());
+        if (!items.isEmpty())
+            windows[qsizetype(i / 2)].opacity = items.first();
+    }
+}
+
 } // namespace
 
 std::optional<QList<StackedWindow>> stackedWindows(XcbSession &session, quint32 own)
@@ -157,6 +173,7 @@ std::optional<QList<StackedWindow>> stackedWindows(XcbSession &session, quint32 
         return windowManager && session.isSameClient(window.client, windowManager);
     });
     findProcesses(session, windows);
+    findOpacities(session, windows);
     // Half a list would leave out too few.
     if (session.isLate() || !session.isOpen())
         return std::nullopt;

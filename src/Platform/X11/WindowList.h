@@ -17,8 +17,9 @@ struct StackedWindow
     xcb_window_t client = 0;      ///< the program's own window inside the frame, else the window itself
     qint64 processIdentifier = 0; ///< of that program; 0 where the server does not know
     xcb_visualid_t visual = 0;
-    QRect outline;       ///< device pixels, with the border
-    int borderWidth = 0; ///< device pixels
+    QRect outline;         ///< device pixels, with the border
+    int borderWidth = 0;   ///< device pixels
+    quint32 opacity = ~0u; ///< as compositors take it: all bits for opaque
 };
 
 /// All visible windows, the lowest first, without those that belong to the window manager alone: a frame is

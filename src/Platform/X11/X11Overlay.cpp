@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Platform/X11/X11Overlay.h"
 
+#include <QCoreApplication>
 #include <QGuiApplication>
 #include <QPaintEvent>
 #include <QPainter>
@@ -8,7 +9,6 @@
 #include <QWidget>
 #include <qcorofuture.h>
 
-#include "Platform/ScreenCapture.h"
 #include "Platform/X11/ScreenGeometry.h"
 #include "Platform/X11/Xcb.h"
 
@@ -43,8 +43,11 @@ public:
         isWanted = true;
         show();
         raise();
+        if (const auto run = std::exchange(onPresent, nullptr))
+            run();
     }
 
+    std::function<void()> onPresent;
     bool isWanted = false; ///< on the screen, though it may not be there yet
 
 protected:
@@ -66,19 +69,17 @@ private:
     QImage m_picture;
 };
 
-X11Overlay::X11Overlay(std::unique_ptr<QWidget> content, Clock &clock)
-    : m_window(new Window(std::move(content), true))
-    , m_clock(clock)
-    , m_screenCapture(nullptr)
-{}
-
-X11Overlay::X11Overlay(std::unique_ptr<QWidget> content, Clock &clock, ScreenCapture &screenCapture,
-                       QList<quint32> hiddenWindows)
-    : m_window(new Window(std::move(content), false))
-    , m_clock(clock)
-    , m_screenCapture(&screenCapture)
-    , m_hiddenWindows(std::move(hiddenWindows))
-{}
+X11Overlay::X11Overlay(std::unique_ptr<QWidget> content, const Surroundings &surroundings)
+    : m_window(new Window(std::move(content), surroundings.compositing))
+    , m_surroundings(surroundings)
+{
+    m_compositorEnd = surroundings.compositorEnded.subscribe([this] {
+        m_surroundings.compositing = false;
+        if (m_window->isWanted)
+            showWithPicture(m_window,
+                            takePicture({.excludedApplication = QCoreApplication::applicationPid()}));
+    });
+}
 
 X11Overlay::~X11Overlay()
 {
@@ -104,17 +105,23 @@ void X11Overlay::setFrame(const QRectF &frame)
 
 void X11Overlay::orderFrontRegardless()
 {
-    const auto screen = ScreenGeometry::current().screenAt(frame().center());
-    if (!m_screenCapture || !screen || m_window->isWanted) {
+    if (m_surroundings.compositing || m_window->isWanted) {
         m_window->present();
         return;
     }
     m_window->isWanted = true;
+    showWithPicture(m_window, takePicture({.excludedWindows = m_surroundings.hiddenWindows}));
+}
+
+QFuture<QImage> X11Overlay::takePicture(ContentFilter filter) const
+{
+    const auto screen = ScreenGeometry::current().screenAt(frame().center());
+    if (!screen)
+        return QtFuture::makeReadyFuture(QImage());
+    filter.display = screen->displayNumber;
     const QSizeF size = screen->frame.size();
-    const ContentFilter filter{.display = screen->displayNumber, .excludedWindows = m_hiddenWindows};
-    const StreamConfiguration whole{.sourceRect = QRectF({0, 0}, size),
-                                    .size = (size * screen->backingScaleFactor).toSize()};
-    showWithPicture(m_window, m_screenCapture->captureImage(filter, whole));
+    return m_surroundings.screenCapture.captureImage(
+        filter, {.sourceRect = QRectF({0, 0}, size), .size = (size * screen->backingScaleFactor).toSize()});
 }
 
 QCoro::Task<> X11Overlay::showWithPicture(QPointer<Window> window, QFuture<QImage> picture)
@@ -140,9 +147,13 @@ void X11Overlay::makeKey()
                                           XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
     const XcbOwned<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(connection, cookie, nullptr));
     m_hasKeyboard = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
-    // Somebody's open menu, a shortcut's key that is still down, or our window is not there yet.
-    if (!m_hasKeyboard)
-        m_nextGrab = m_clock.after(grabInterval, [this] { makeKey(); });
+    if (m_hasKeyboard)
+        return;
+    // Our window is not there yet; or somebody's open menu, or a shortcut's key that is still down.
+    if (!m_window->isVisible())
+        m_window->onPresent = [this] { makeKey(); };
+    else
+        m_nextGrab = m_surroundings.clock.after(grabInterval, [this] { makeKey(); });
 }
 
 void X11Overlay::orderOut()
@@ -152,6 +163,7 @@ void X11Overlay::orderOut()
         xcb_ungrab_keyboard(QtXcb::connection(), XCB_CURRENT_TIME);
     if (m_window) {
         m_window->isWanted = false;
+        m_window->onPresent = nullptr;
         m_window->hide();
     }
     xcb_flush(QtXcb::connection());

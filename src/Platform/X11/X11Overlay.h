@@ -8,10 +8,9 @@
 
 #include "Platform/Clock.h"
 #include "Platform/PanelHost.h"
+#include "Platform/ScreenCapture.h"
 
 namespace tovi {
-
-class ScreenCapture;
 
 /// A window over a whole display that the window manager does not know of, so it moves neither the focus nor
 /// the active window. Without a compositor it shows a picture of the screen, and comes as soon as that is
@@ -19,12 +18,17 @@ class ScreenCapture;
 class X11Overlay final : public Panel
 {
 public:
-    /// On a desktop with a compositor.
-    X11Overlay(std::unique_ptr<QWidget> content, Clock &clock);
-    /// `hiddenWindows` are windows of ours that may still be on the screen for a moment: the picture is
-    /// without them.
-    X11Overlay(std::unique_ptr<QWidget> content, Clock &clock, ScreenCapture &screenCapture,
-               QList<quint32> hiddenWindows);
+    struct Surroundings
+    {
+        bool compositing;
+        Subject<> &compositorEnded;
+        ScreenCapture &screenCapture;
+        Clock &clock;
+        /// Of ours, and maybe still on the screen for a moment: pictures are without them.
+        QList<quint32> hiddenWindows;
+    };
+
+    X11Overlay(std::unique_ptr<QWidget> content, const Surroundings &surroundings);
     ~X11Overlay() override;
 
     QRectF frame() const override;
@@ -37,12 +41,12 @@ public:
 
 private:
     class Window;
+    QFuture<QImage> takePicture(ContentFilter filter) const;
     static QCoro::Task<> showWithPicture(QPointer<Window> window, QFuture<QImage> picture);
 
     QPointer<Window> m_window;
-    Clock &m_clock;
-    ScreenCapture *const m_screenCapture; ///< none with a compositor
-    const QList<quint32> m_hiddenWindows;
+    Surroundings m_surroundings;
+    Subscription m_compositorEnd;
     Subscription m_nextGrab;
     bool m_hasKeyboard = false;
 };

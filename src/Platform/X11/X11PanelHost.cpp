@@ -157,14 +157,14 @@ std::unique_ptr<Panel> X11PanelHost::makePanel(std::unique_ptr<QWidget> content)
 
 std::unique_ptr<Panel> X11PanelHost::makeOverlay(std::unique_ptr<QWidget> content)
 {
-    if (m_compositing)
-        return std::make_unique<X11Overlay>(std::move(content), m_clock);
     QList<quint32> hidden;
     for (const PanelWindow *window : m_windows->all) {
         if (!window->isVisible())
             hidden << static_cast<quint32>(window->winId());
     }
-    return std::make_unique<X11Overlay>(std::move(content), m_clock, m_screenCapture, hidden);
+    const X11Overlay::Surroundings surroundings{m_compositing, m_compositorEnded, m_screenCapture, m_clock,
+                                                hidden};
+    return std::make_unique<X11Overlay>(std::move(content), surroundings);
 }
 
 void X11PanelHost::hidePanels()
@@ -228,6 +228,8 @@ bool X11PanelHost::nativeEventFilter(const QByteArray &eventType, void *message,
             m_compositing = event->owner != XCB_WINDOW_NONE;
             for (PanelWindow *window : m_windows->all)
                 window->setCompositing(m_compositing);
+            if (!m_compositing)
+                m_compositorEnded.emitToAll();
         }
     }
     return false;

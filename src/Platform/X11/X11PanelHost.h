@@ -51,6 +51,7 @@ private:
     xcb_atom_t m_compositorAtom = 0;
     uint8_t m_fixesEvent = 0; // 0 without the extension
     bool m_compositing = false;
+    Subject<> m_compositorEnded;
     bool m_hasDrawnText = false;
 };
 

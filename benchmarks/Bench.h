@@ -28,6 +28,7 @@ double benchAccessibility(DesktopSession &desktop);
 /// " and a kind's name.
 void benchRecognition(quint32 seed, const QString &textFile);
 void benchRoads(DesktopSession &desktop);
+void benchScreenshots(DesktopSession &desktop);
 void benchProgram(DesktopSession &desktop, const Programs &programs, double queryMilliseconds);
 
 } // namespace tovi::bench

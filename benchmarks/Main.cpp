@@ -39,6 +39,7 @@ int main(int argc, char **argv)
         bench::benchLookups();
         bench::benchStreams();
         bench::benchPanels();
+        bench::benchRecognition(parser.value(QStringLiteral("seed")).toUInt(), QString());
     }
     if (parser.isSet(QStringLiteral("no-desktop")))
         return 0;
@@ -54,6 +55,7 @@ int main(int argc, char **argv)
     }
     const double query = bench::benchAccessibility(desktop);
     bench::benchRoads(desktop);
+    bench::benchScreenshots(desktop);
     bench::benchProgram(desktop, programs, query);
     return 0;
 }

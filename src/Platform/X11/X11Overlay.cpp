@@ -53,8 +53,11 @@ public:
 protected:
     void paintEvent(QPaintEvent *event) override
     {
-        if (m_picture.isNull())
+        if (m_picture.isNull()) {
+            if (testAttribute(Qt::WA_OpaquePaintEvent))
+                QPainter(this).fillRect(event->rect(), Qt::black);
             return;
+        }
         // Only what has changed: a large display is many pixels.
         const double scale = double(m_picture.width()) / width();
         QPainter painter(this);

@@ -74,7 +74,7 @@ std::unique_ptr<QMenu> AppDelegate::makeApplicationMenu()
     menu->addSeparator();
     add(Str::menuSettings, &AppDelegate::openSettings, commandComma);
     add(Str::menuCheckUpdates, &AppDelegate::checkForUpdates)
-        ->setEnabled(BundleInformation::looksForUpdates());
+        ->setEnabled(BundleInformation::canLookForUpdates());
     menu->addSeparator();
     add(
         Str::menuHide, [&application] { application.hide(); }, commandH);
@@ -147,6 +147,12 @@ void AppDelegate::statusBarChanged()
         return;
     m_statusItem->setToolTip(Localization::shared().t(Str::aboutSubtitle));
     m_statusItem->setContextMenu(m_statusMenu.get());
+    // The toolkit opens the menu by the right button only.
+    connect(m_statusItem.get(), &QSystemTrayIcon::activated, m_statusMenu.get(),
+            [menu = m_statusMenu.get()](QSystemTrayIcon::ActivationReason reason) {
+                if (reason == QSystemTrayIcon::Trigger)
+                    menu->popup(QCursor::pos());
+            });
     m_statusItem->show();
 }
 
@@ -170,7 +176,7 @@ void AppDelegate::rebuildMenu(QMenu *menu)
     menu->addSeparator();
     menu->addAction(title(Str::menuSettings), this, &AppDelegate::openSettings)->setShortcut(commandComma);
     menu->addAction(title(Str::menuCheckUpdates), this, &AppDelegate::checkForUpdates)
-        ->setEnabled(BundleInformation::looksForUpdates());
+        ->setEnabled(BundleInformation::canLookForUpdates());
     menu->addSeparator();
     setupLanguageMenu(menu->addMenu(title(Str::menuTranslateTo)));
     menu->addSeparator();

@@ -29,4 +29,9 @@ bool looksForUpdates()
     return TOVI_LOOKS_FOR_UPDATES;
 }
 
+bool canLookForUpdates()
+{
+    return looksForUpdates() && !updateFeedURL().isEmpty();
+}
+
 } // namespace tovi::BundleInformation

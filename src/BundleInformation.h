@@ -16,5 +16,7 @@ QString version();
 QString updateFeedURL();
 /// Whether the program looks for newer versions itself; a package manager may do that.
 bool looksForUpdates();
+/// Whether there is a list of versions to look into, too: what commands that look need.
+bool canLookForUpdates();
 
 } // namespace tovi::BundleInformation

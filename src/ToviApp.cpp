@@ -23,7 +23,7 @@ Translates the text that is selected in any application, when its shortcut is pr
   --version               print the version and exit
   --help                  print this and exit
 
-While Tovi runs, a second start hands its options to the running one.
+While Tovi runs, a second start hands its options to the running one; without options it shows the settings.
 )";
 
 /// Answers what needs no desktop. None when the program should start.
@@ -69,8 +69,10 @@ int main(int argc, char **argv)
 
     QPointer<AppDelegate> running;
     switch (SingleInstance::claim(app.arguments().mid(1), [&running](const QStringList &arguments) {
+        // Whoever starts it again wants to see something of it.
         if (running)
-            running->handleArguments(arguments);
+            running->handleArguments(arguments.isEmpty() ? QStringList(QStringLiteral("--settings"))
+                                                         : arguments);
     })) {
     case SingleInstance::Role::First:
         break;

@@ -47,7 +47,7 @@ AboutSettingsView::AboutSettingsView(QWidget *parent)
         makeLine(FormLabel::Role::caption, t(Str::aboutSubtitle), FormStyle::captionSize, QFont::Normal));
     column->addSpacing(12);
     auto *updates = new FormButton(t(Str::menuCheckUpdates));
-    updates->setEnabled(BundleInformation::looksForUpdates());
+    updates->setEnabled(BundleInformation::canLookForUpdates());
     connect(updates, &QPushButton::clicked, this, &UpdateWindow::checkForUpdates);
     column->addWidget(updates, 0, Qt::AlignHCenter);
     column->addStretch(1);

@@ -8,11 +8,13 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, size_t size)
 {
     using namespace tovi;
     const QByteArray body(reinterpret_cast<const char *>(data), qsizetype(size));
-    const auto items = Appcast::parse(body, QUrl(QStringLiteral("https://example.org/feed.xml")));
+    const QUrl feed(QStringLiteral("https://example.org/feed.xml"));
+    const auto items = Appcast::parse(body, feed);
     for (const AppcastItem &item : items.value_or(QList<AppcastItem>())) {
-        const bool isFit = (item.page.isEmpty() || Appcast::mayBeOpened(item.page)) &&
-                           (item.notesLink.isEmpty() || Appcast::mayBeOpened(item.notesLink));
-        if (item.version.isEmpty() || !isFit || compareVersions(item.version, item.version) != 0)
+        const bool isFit = (item.page.isEmpty() || Appcast::mayBeOpened(item.page, feed)) &&
+                           (item.notesLink.isEmpty() || Appcast::mayBeOpened(item.notesLink, feed));
+        const bool isShort = item.version.size() <= 64 && item.shortVersion.size() <= 64;
+        if (item.version.isEmpty() || !isShort || !isFit || compareVersions(item.version, item.version) != 0)
             std::abort();
     }
     const QString text = QString::fromUtf8(body);

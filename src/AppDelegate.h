@@ -46,8 +46,10 @@ public:
     void openSettings();
     void checkForUpdates();
 
-    /// The status item's menu, as it would open now.
-    QMenu &statusMenu();
+    /// Built anew whenever it is about to show.
+    QMenu &statusMenu() const { return *m_statusMenu; }
+    /// Null before the desktop has a place for it.
+    const QSystemTrayIcon *statusItem() const { return m_statusItem.get(); }
 
     /// Starts a capture; `at` in points, origin bottom-left of the primary screen, y up.
     void performCapture(bool preferOCR, std::optional<QPointF> at);

@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "AppDelegate.h"
 
-#include <QApplication>
-#include <QPointer>
-
 #include "BundleInformation.h"
 #include "Localization.h"
 #include "Platform/Application.h"
 #include "Platform/Platform.h"
 #include "Settings.h"
 #include "UI/AboutPanel.h"
+#include "UI/Controls/MenuPresenter.h"
 #include "UI/MainMenu.h"
 #include "UI/SettingsWindowController.h"
 #include "UI/StatusItemIcon.h"
@@ -25,26 +23,20 @@ constexpr QKeyCombination commandQ = Qt::CTRL | Qt::Key_Q;
 constexpr QKeyCombination commandH = Qt::CTRL | Qt::Key_H;
 constexpr QKeyCombination commandOptionH = Qt::CTRL | Qt::ALT | Qt::Key_H;
 
-/// A menu title as it stands: an ampersand is no mnemonic mark.
-QString literal(QString text)
-{
-    return text.replace(QLatin1Char('&'), QLatin1String("&&"));
-}
-
 QString title(Str key)
 {
-    return literal(Localization::shared().t(key));
+    return MenuPresenter::literalTitle(Localization::shared().t(key));
 }
 
 QString titleWithKeys(Str key, const HotKey &keys)
 {
-    return title(key) + QStringLiteral("    ") + literal(keys.displayString());
+    return title(key) + QStringLiteral("    ") + MenuPresenter::literalTitle(keys.displayString());
 }
 
 /// Sends an editing command to whatever has the focus.
 void edit(TextEditing editing)
 {
-    if (QWidget *firstResponder = QApplication::focusWidget())
+    if (QWidget *firstResponder = MainMenu::shared().firstResponder())
         perform(editing, *firstResponder);
 }
 
@@ -60,7 +52,7 @@ void AppDelegate::setupMainMenu()
 
 std::unique_ptr<QMenu> AppDelegate::makeApplicationMenu()
 {
-    auto menu = std::make_unique<QMenu>(literal(BundleInformation::name()));
+    auto menu = std::make_unique<QMenu>(MenuPresenter::literalTitle(BundleInformation::name()));
     const auto add = [this, &menu](Str key, auto action, std::optional<QKeyCombination> keys = {}) {
         QAction *item = menu->addAction(title(key), this, action);
         if (keys) {
@@ -110,7 +102,7 @@ std::unique_ptr<QMenu> AppDelegate::makeEditMenu()
         item->setShortcut(entry.keys);
         // What cannot be done is grey while the menu is open; its keys ask the focus themselves.
         connect(menu.get(), &QMenu::aboutToShow, item, [item, editing = entry.editing] {
-            const QWidget *focus = QApplication::focusWidget();
+            const QWidget *focus = MainMenu::shared().firstResponder();
             item->setEnabled(focus && canPerform(editing, *focus));
         });
         connect(menu.get(), &QMenu::aboutToHide, item, [item] {
@@ -154,12 +146,6 @@ void AppDelegate::statusBarChanged()
                     menu->popup(QCursor::pos());
             });
     m_statusItem->show();
-}
-
-QMenu &AppDelegate::statusMenu()
-{
-    rebuildMenu(m_statusMenu.get());
-    return *m_statusMenu;
 }
 
 void AppDelegate::rebuildMenu(QMenu *menu)

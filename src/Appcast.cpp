@@ -10,11 +10,13 @@ namespace tovi {
 namespace {
 
 constexpr qsizetype longestNotes = 32 * 1024; // characters
+constexpr qsizetype longestVersion = 64;
+constexpr qsizetype longestTitle = 200;
 constexpr qsizetype mostItems = 1000;
 const auto ownSystem = QLatin1String("linux");
 
 /// A version's next number or word; separators are skipped.
-QStringView takePart(QStringView &text)
+QStringView nextComponent(QStringView &text)
 {
     qsizetype begin = 0;
     while (begin < text.size() && !text[begin].isLetterOrNumber())
@@ -22,24 +24,25 @@ QStringView takePart(QStringView &text)
     qsizetype end = begin;
     while (end < text.size() && text[end].isLetterOrNumber() && text[end].isDigit() == text[begin].isDigit())
         ++end;
-    const QStringView part = text.sliced(begin, end - begin);
+    const QStringView component = text.sliced(begin, end - begin);
     text = text.sliced(end);
-    return part;
+    return component;
 }
 
-bool isNumber(QStringView part)
+bool isNumber(QStringView component)
 {
-    return !part.isEmpty() && part[0].isDigit();
+    return !component.isEmpty() && component[0].isDigit();
 }
 
-QStringView withoutZeros(QStringView number)
+QStringView withoutLeadingZeros(QStringView number)
 {
     while (number.startsWith(u'0'))
         number = number.sliced(1);
     return number;
 }
 
-QStringView weighed(QStringView version)
+/// Without what has no weight: a "v" in front and build metadata.
+QStringView normalized(QStringView version)
 {
     version = version.trimmed();
     if (version.startsWith(u'v', Qt::CaseInsensitive))
@@ -48,7 +51,7 @@ QStringView weighed(QStringView version)
     return plus < 0 ? version : version.first(plus);
 }
 
-std::weak_ordering compareParts(QStringView one, QStringView other)
+std::weak_ordering compareComponents(QStringView one, QStringView other)
 {
     if (isNumber(one) || isNumber(other)) {
         // Any number comes after any word, and after nothing unless it is 0.
@@ -56,8 +59,8 @@ std::weak_ordering compareParts(QStringView one, QStringView other)
         const bool otherIsWord = !other.isEmpty() && !isNumber(other);
         if (oneIsWord != otherIsWord)
             return otherIsWord <=> oneIsWord;
-        one = withoutZeros(one);
-        other = withoutZeros(other);
+        one = withoutLeadingZeros(one);
+        other = withoutLeadingZeros(other);
         if (one.size() != other.size())
             return one.size() <=> other.size();
         return one.compare(other) <=> 0;
@@ -72,7 +75,7 @@ QUrl opened(const QString &link, const QUrl &base)
     if (link.trimmed().isEmpty())
         return {};
     const QUrl url = base.resolved(QUrl(link.trimmed()));
-    return Appcast::mayBeOpened(url) ? url : QUrl();
+    return Appcast::mayBeOpened(url, base) ? url : QUrl();
 }
 
 /// An item while it is read.
@@ -142,12 +145,12 @@ void readElement(QXmlStreamReader &xml, Draft &draft, const QUrl &address)
     }
     const QString text = elementText(xml);
     if (name == QLatin1String("title") && isOfFeed)
-        draft.item.title = text.simplified();
+        draft.item.title = text.simplified().left(longestTitle);
     else if (name == QLatin1String("link") && isOfFeed)
         draft.item.page = opened(text, address);
     else if (name == QLatin1String("releaseNotesLink") && draft.item.notesLink.isEmpty())
         draft.item.notesLink = opened(text, address);
-    else if (name == QLatin1String("description"))
+    else if (name == QLatin1String("description") && isOfFeed)
         draft.item.notes = Appcast::plainText(text);
     else
         takeField(draft, name, text);
@@ -162,18 +165,47 @@ std::optional<AppcastItem> readItem(QXmlStreamReader &xml, const QUrl &address)
     if (item.version.isEmpty())
         item.version = item.shortVersion;
     if (item.version.isEmpty()) {
-        static const QRegularExpression number(QStringLiteral("\\d+(?:\\.\\d+)+\\S*"));
+        static const QRegularExpression number(QStringLiteral("\\d+(?:\\.\\d+)+(?:[\\w.+-]*\\w)?"));
         item.version = number.match(item.title).captured();
     }
     if (item.page.isEmpty())
         item.page = draft.enclosure;
-    return item.version.isEmpty() || !draft.isForUs() ? std::nullopt : std::optional(item);
+    const bool isVersion = !item.version.isEmpty() && item.version.size() <= longestVersion &&
+                           item.shortVersion.size() <= longestVersion;
+    return isVersion && draft.isForUs() ? std::optional(item) : std::nullopt;
+}
+
+bool isBuildNumber(const QString &version)
+{
+    return !version.contains(u'.');
 }
 
 /// What people read decides; a version with points is such a one.
 QStringView readableVersion(const AppcastItem &item)
 {
-    return item.shortVersion.isEmpty() && item.version.contains(u'.') ? item.version : item.shortVersion;
+    return item.shortVersion.isEmpty() && !isBuildNumber(item.version) ? item.version : item.shortVersion;
+}
+
+/// A total order: an item that tells less comes before one that tells more, so that none of three can be
+/// newer than the next all around.
+std::weak_ordering compareItems(const AppcastItem &one, const AppcastItem &other)
+{
+    const QStringView readable = readableVersion(one);
+    const QStringView otherReadable = readableVersion(other);
+    if (readable.isEmpty() != otherReadable.isEmpty())
+        return otherReadable.isEmpty() <=> readable.isEmpty();
+    if (const auto order = compareVersions(readable, otherReadable); order != 0)
+        return order;
+    if (isBuildNumber(one.version) != isBuildNumber(other.version))
+        return isBuildNumber(one.version) <=> isBuildNumber(other.version);
+    return compareVersions(one.version, other.version);
+}
+
+bool isOnThisMachine(const QUrl &url)
+{
+    static const QStringList names{QStringLiteral("localhost"), QStringLiteral("127.0.0.1"),
+                                   QStringLiteral("::1")};
+    return names.contains(url.host());
 }
 
 QString decoded(QStringView entity)
@@ -202,23 +234,26 @@ QString decoded(QStringView entity)
 
 std::weak_ordering compareVersions(QStringView one, QStringView other)
 {
-    one = weighed(one);
-    other = weighed(other);
+    one = normalized(one);
+    other = normalized(other);
     while (!one.isEmpty() || !other.isEmpty()) {
-        if (const auto order = compareParts(takePart(one), takePart(other)); order != 0)
+        if (const auto order = compareComponents(nextComponent(one), nextComponent(other)); order != 0)
             return order;
     }
     return std::weak_ordering::equivalent;
 }
 
-bool Appcast::mayBeOpened(const QUrl &url)
+bool Appcast::mayBeLoaded(const QUrl &address)
 {
-    if (!url.isValid() || url.host().isEmpty())
+    if (!address.isValid() || address.host().isEmpty())
         return false;
-    static const QStringList local{QStringLiteral("localhost"), QStringLiteral("127.0.0.1"),
-                                   QStringLiteral("::1")};
-    const bool isLocal = local.contains(url.host());
-    return url.scheme() == QLatin1String("https") || (isLocal && url.scheme() == QLatin1String("http"));
+    return address.scheme() == QLatin1String("https") ||
+           (isOnThisMachine(address) && address.scheme() == QLatin1String("http"));
+}
+
+bool Appcast::mayBeOpened(const QUrl &link, const QUrl &feed)
+{
+    return mayBeLoaded(link) && (link.scheme() == QLatin1String("https") || isOnThisMachine(feed));
 }
 
 std::optional<QList<AppcastItem>> Appcast::parse(const QByteArray &feed, const QUrl &address)
@@ -252,7 +287,7 @@ bool Appcast::isNewer(const AppcastItem &item, QStringView shortVersion, QString
     const auto order = compareVersions(readable, shortVersion);
     // Another build of the same version.
     return order > 0 ||
-           (order == 0 && !item.version.contains(u'.') && compareVersions(item.version, version) > 0);
+           (order == 0 && isBuildNumber(item.version) && compareVersions(item.version, version) > 0);
 }
 
 std::optional<AppcastItem> Appcast::newest(const QList<AppcastItem> &items, QStringView shortVersion,
@@ -260,9 +295,7 @@ std::optional<AppcastItem> Appcast::newest(const QList<AppcastItem> &items, QStr
 {
     std::optional<AppcastItem> newest;
     for (const AppcastItem &item : items) {
-        const bool isBetter = newest ? isNewer(item, newest->displayVersion(), newest->version)
-                                     : isNewer(item, shortVersion, version);
-        if (isBetter)
+        if (isNewer(item, shortVersion, version) && (!newest || compareItems(item, *newest) > 0))
             newest = item;
     }
     return newest;

@@ -18,9 +18,9 @@ std::weak_ordering compareVersions(QStringView one, QStringView other);
 /// One version of the program, as its feed tells of it.
 struct AppcastItem
 {
-    QString title;
-    QString version;      ///< of the build; never empty
-    QString shortVersion; ///< as people read it; may be empty
+    QString title;        ///< cut where it is longer than a line
+    QString version;      ///< of the build; never empty, 64 characters at most
+    QString shortVersion; ///< as people read it; may be empty; 64 characters at most
     QUrl page;            ///< where to get it; may be empty
     QUrl notesLink;       ///< may be empty
     QString notes;        ///< plain text; may be empty
@@ -38,15 +38,17 @@ std::optional<QList<AppcastItem>> parse(const QByteArray &feed, const QUrl &addr
 
 /// Whether it is newer than a build of this version.
 bool isNewer(const AppcastItem &item, QStringView shortVersion, QStringView version);
-/// The newest of them that is newer than a build of this version.
+/// The newest of them that is newer than a build of this version, whatever their order; the first of equals.
 std::optional<AppcastItem> newest(const QList<AppcastItem> &items, QStringView shortVersion,
                                   QStringView version);
 
 /// The text of a page, without its pictures, styles and scripts.
 QString plainText(QStringView html);
 
-/// https; http only for what runs on this machine.
-bool mayBeOpened(const QUrl &url);
+/// Whether a feed may come from this address: https; http only from this machine.
+bool mayBeLoaded(const QUrl &address);
+/// Whether a feed may link to this address: https; http only within this machine, not from elsewhere into it.
+bool mayBeOpened(const QUrl &link, const QUrl &feed);
 
 } // namespace Appcast
 

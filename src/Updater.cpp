@@ -66,7 +66,12 @@ QCoro::Task<> UpdateController::check()
 {
     const QPointer self(this);
     auto looking = look();
-    State found = co_await looking;
+    State found = failed(Failure::unreachable);
+    try {
+        found = co_await looking;
+    } catch (...) {
+        // Whatever it was, nobody may wait for it for ever.
+    }
     if (!self)
         co_return;
     m_isChecking = false;
@@ -86,7 +91,7 @@ QCoro::Task<UpdateController::State> UpdateController::look()
     const QUrl address(BundleInformation::updateFeedURL(), QUrl::StrictMode);
     if (address.isEmpty())
         co_return failed(Failure::noFeed);
-    if (!Appcast::mayBeOpened(address))
+    if (!Appcast::mayBeLoaded(address))
         co_return failed(Failure::insecure);
 
     const QPointer self(this);

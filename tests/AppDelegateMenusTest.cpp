@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include <algorithm>
+
 #include <QApplication>
 #include <QLineEdit>
 #include <QMainWindow>
@@ -50,6 +52,13 @@ protected:
         return isShown && waitUntil([&] { return open.isEmpty(); });
     }
 
+    /// As the user sees it.
+    QMenu &openedStatusMenu()
+    {
+        emit delegate.statusMenu().aboutToShow();
+        return delegate.statusMenu();
+    }
+
     TestPlatform platform;
     AppDelegate delegate;
 };
@@ -79,15 +88,15 @@ void choose(const QMenu &menu, const char *title)
 TEST_F(AppDelegateMenus, TheStatusMenuFollowsTheSettings)
 {
     const auto list = [](const char *lines) { return QString::fromUtf8(lines).split(u'\n'); };
-    EXPECT_EQ(contents(delegate.statusMenu()),
+    EXPECT_EQ(contents(openedStatusMenu()),
               list("Translate Selection    ⌥D\nOCR Capture    ⌥S\nInput Translate    ⌥T\n-\n"
                    "Settings… | Ctrl+,\nCheck for Updates…\n-\nTranslate to\n-\nQuit Tovi | Ctrl+Q"));
     Settings::shared().captureHotKey = HotKey{3, HotKey::command};
     Settings::shared().targetLanguage = QStringLiteral("es");
     Localization::shared().language = AppLanguage::de;
-    EXPECT_EQ(contents(delegate.statusMenu()).first(), QStringLiteral("Auswahl übersetzen    ⌘F"));
+    EXPECT_EQ(contents(openedStatusMenu()).first(), QStringLiteral("Auswahl übersetzen    ⌘F"));
     EXPECT_EQ(MainMenu::shared().menus().back()->title(), QStringLiteral("Bearbeiten"));
-    const auto languages = [&] { return delegate.statusMenu().findChild<QMenu *>(); };
+    const auto languages = [&] { return openedStatusMenu().findChild<QMenu *>(); };
     EXPECT_EQ(contents(*languages()),
               list("简体中文\n繁體中文\nEnglish\n日本語\n한국어\nFrançais\nDeutsch\n*Español\nРусский"));
     choose(*languages(), "日本語");
@@ -98,6 +107,24 @@ TEST_F(AppDelegateMenus, TheStatusMenuFollowsTheSettings)
     Localization::shared().language = AppLanguage::system;
 }
 
+TEST_F(AppDelegateMenus, TheStatusItemWaitsForAPlace)
+{
+    AppDelegate other;
+    platform.application().bar = {};
+    other.applicationDidFinishLaunching();
+    platform.application().barChanged.emitToAll();
+    EXPECT_FALSE(other.statusItem());
+    platform.application().bar = {.isThere = true, .isDark = true};
+    platform.application().barChanged.emitToAll();
+    ASSERT_TRUE(other.statusItem());
+    const QSystemTrayIcon *item = other.statusItem();
+    const qint64 icon = item->icon().cacheKey();
+    platform.application().bar = {.isThere = false, .isDark = false};
+    platform.application().barChanged.emitToAll();
+    EXPECT_EQ(other.statusItem(), item);
+    EXPECT_NE(item->icon().cacheKey(), icon);
+}
+
 TEST_F(AppDelegateMenus, MenuItemsAndLaunchArgumentsTakeTheSameRoads)
 {
     const QMenu &application = *MainMenu::shared().menus().front();
@@ -105,7 +132,7 @@ TEST_F(AppDelegateMenus, MenuItemsAndLaunchArgumentsTakeTheSameRoads)
         choose(application, item);
     EXPECT_EQ(platform.application().requests.join(u','), QStringLiteral("hide,hide others,show all"));
     choose(application, "Quit");
-    choose(delegate.statusMenu(), "Quit");
+    choose(openedStatusMenu(), "Quit");
     EXPECT_EQ(platform.application().terminations, 2);
 
     select(QStringLiteral("words"));
@@ -114,7 +141,7 @@ TEST_F(AppDelegateMenus, MenuItemsAndLaunchArgumentsTakeTheSameRoads)
     for (const auto &[item, argument] : roads) {
         const bool isInput = QLatin1String(argument) == QLatin1String("--input");
         const QString source = isInput ? QString() : QStringLiteral("words");
-        choose(delegate.statusMenu(), item);
+        choose(openedStatusMenu(), item);
         EXPECT_TRUE(showsPanel(source)) << item;
         delegate.handleArguments({QLatin1String(argument)});
         EXPECT_TRUE(showsPanel(source)) << argument;
@@ -129,10 +156,26 @@ TEST_F(AppDelegateMenus, TheEditMenuWorksOnWhatHasTheFocus)
     MainMenu::shared().install(window);
     Localization::shared().language = AppLanguage::en; // the menus are made anew
     window.show();
-    window.activateWindow();
-    field->setFocus();
-    ASSERT_TRUE(waitUntil([&] { return QApplication::focusWidget() == field; }));
-    const QMenu &edit = *window.menuBar()->actions().at(1)->menu();
+    const auto focusField = [&] {
+        window.activateWindow();
+        field->setFocus();
+        return waitUntil([&] { return QApplication::focusWidget() == field; });
+    };
+    ASSERT_TRUE(focusField());
+    QAction *title = window.menuBar()->actions().at(1);
+    const QMenu &edit = *title->menu();
+    // Opened by the keyboard, which is in the menu bar then.
+    window.menuBar()->setFocus(Qt::MenuBarFocusReason);
+    window.menuBar()->setActiveAction(title);
+    ASSERT_TRUE(edit.isVisible());
+    EXPECT_TRUE(edit.actions().last()->isEnabled());
+    choose(edit, "Select All");
+    EXPECT_EQ(field->selectedText(), QStringLiteral("one two"));
+    title->menu()->hide();
+    ASSERT_TRUE(focusField());
+    field->deselect();
+    const auto isEnabled = [](const QAction *item) { return item->isEnabled(); };
+    ASSERT_TRUE(waitUntil([&] { return std::ranges::all_of(edit.actions(), isEnabled); }));
     choose(edit, "Select All");
     choose(edit, "Copy");
     EXPECT_EQ(platform.pasteboard().text(1s).value.text, QStringLiteral("one two"));

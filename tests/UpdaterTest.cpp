@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Updater.h"
 
+#include <algorithm>
+
 #include <QApplication>
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -67,7 +69,7 @@ TEST(Appcast, OffersTheNewestItemForThisSystem)
         {"<item><link>/get</link><u:version>7</u:version><u:shortVersionString>2.0</u:shortVersionString></"
          "item>",
          "2.0", "https://example.org/get"},
-        {"<item><title>Version 3.1.4 is here</title></item>", "3.1.4", ""},
+        {"<item><title>Now: 3.1.4-beta.1, at last</title></item>", "3.1.4-beta.1", ""},
         {"<item><enclosure version='0.1.0'/></item>", nullptr, ""},
         {"<item><enclosure version='2'/></item>", "2", ""},
         {"<item><enclosure version='1' shortVersionString='0.1.0'/></item>", nullptr, ""},
@@ -86,20 +88,33 @@ TEST(Appcast, OffersTheNewestItemForThisSystem)
          "9.0", ""},
         {"<item><link>javascript:alert(1)</link><enclosure version='9.0' url='http://e.org/x'/></item>",
          "9.0", ""},
-        {"<item><link>http://127.0.0.1:80/x</link><enclosure version='9.0'/></item>", "9.0",
-         "http://127.0.0.1:80/x"},
+        {"<item><link>http://127.0.0.1:80/x</link><enclosure version='9.0'/></item>", "9.0", ""},
+        {"<item><enclosure version='5'/></item><item><enclosure version='3' shortVersionString='6.0'/></item>"
+         "<item><enclosure version='10' shortVersionString='1.0'/></item>",
+         "6.0", ""},
+        {"<item><enclosure "
+         "version='9.0000000000000000000000000000000000000000000000000000000000000001'/></item>"
+         "<item><enclosure version='8.0'/></item>",
+         "8.0", ""},
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.items);
-        const auto items = Appcast::parse(feed(c.items), feedAddress);
+        auto items = Appcast::parse(feed(c.items), feedAddress);
         ASSERT_TRUE(items);
         const auto newest = Appcast::newest(*items, u"0.1.0", u"1");
+        std::reverse(items->begin(), items->end());
+        EXPECT_EQ(Appcast::newest(*items, u"0.1.0", u"1"), newest);
         ASSERT_EQ(newest.has_value(), c.version != nullptr);
         if (newest) {
             EXPECT_EQ(newest->displayVersion(), QLatin1String(c.version));
             EXPECT_EQ(newest->page.toString(), QLatin1String(c.page));
         }
     }
+    const auto described = Appcast::parse(feed("<item><description>ours</description><u:description>odd"
+                                               "</u:description><enclosure version='9'/></item>"),
+                                          feedAddress);
+    ASSERT_TRUE(described && described->size() == 1);
+    EXPECT_EQ(described->first().notes, QStringLiteral("ours"));
     for (const QByteArray &none : {QByteArray(), QByteArray("<html></html>"), QByteArray("<rss></rss>"),
                                    feed("<item>").chopped(20), QByteArray("{}")})
         EXPECT_FALSE(Appcast::parse(none, feedAddress)) << none.constData();
@@ -155,7 +170,7 @@ struct Updates : testing::Test, WebFixture
 
 TEST_F(Updates, AreShownWithTheirNotesAndADownloadPage)
 {
-    serve("<item><link>https://e.org/get</link><u:releaseNotesLink>/notes</u:releaseNotesLink>"
+    serve("<item><link>https://e.org/get%20it</link><u:releaseNotesLink>/notes</u:releaseNotesLink>"
           "<description>short</description><enclosure version='9' shortVersionString='0.9'/></item>",
           "<p>Much <b>faster</b></p>");
     UpdateWindow::checkForUpdates();
@@ -164,7 +179,7 @@ TEST_F(Updates, AreShownWithTheirNotesAndADownloadPage)
     ASSERT_TRUE(says(QStringLiteral("Tovi 0.9 is available. You have 0.1.0.")));
     EXPECT_EQ(window()->findChild<QPlainTextEdit *>()->toPlainText(), QStringLiteral("Much faster"));
     qobject_cast<QPushButton *>(window()->focusWidget())->click();
-    EXPECT_EQ(platform.workspace().opened, QStringList{QStringLiteral("https://e.org/get")});
+    EXPECT_EQ(platform.workspace().opened, QStringList{QStringLiteral("https://e.org/get%20it")});
     EXPECT_FALSE(window());
     EXPECT_EQ(platform.application().policy, Application::ActivationPolicy::Accessory);
 }

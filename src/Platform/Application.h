@@ -29,7 +29,7 @@ public:
     struct StatusBar
     {
         bool isThere = false;
-        std::optional<bool> isDark; ///< its ground; none where nobody tells
+        std::optional<bool> isDark; ///< its background; none where nobody tells
         bool operator==(const StatusBar &) const = default;
     };
 

@@ -6,6 +6,7 @@
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QMouseEvent>
 #include <QScrollBar>
 #include <QTextDocument>
 #include <QWheelEvent>
@@ -67,6 +68,12 @@ void EditableTextView::keyPressEvent(QKeyEvent *event)
     } else {
         QPlainTextEdit::keyPressEvent(event);
     }
+}
+
+void EditableTextView::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (!pastesPrimarySelection(*event))
+        QPlainTextEdit::mouseReleaseEvent(event);
 }
 
 void EditableTextView::contextMenuEvent(QContextMenuEvent *event)

@@ -18,6 +18,10 @@ MainMenu &MainMenu::shared()
 MainMenu::MainMenu()
 {
     QCoreApplication::instance()->installEventFilter(this);
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *focus) {
+        if (focus && !qobject_cast<QMenuBar *>(focus))
+            m_lastFocus = focus;
+    });
 }
 
 MainMenu::~MainMenu() = default;
@@ -45,6 +49,14 @@ void MainMenu::setMenus(std::vector<std::unique_ptr<QMenu>> menus)
         if (window->isVisible())
             eventFilter(window, &shown);
     }
+}
+
+QWidget *MainMenu::firstResponder() const
+{
+    QWidget *focus = QApplication::focusWidget();
+    if (!qobject_cast<QMenuBar *>(focus))
+        return focus;
+    return m_lastFocus && m_lastFocus->window() == focus->window() ? m_lastFocus.get() : nullptr;
 }
 
 void MainMenu::fill(QMenuBar &bar)

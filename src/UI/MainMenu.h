@@ -31,6 +31,9 @@ public:
     void setMenus(std::vector<std::unique_ptr<QMenu>> menus);
     const std::vector<std::unique_ptr<QMenu>> &menus() const { return m_menus; }
 
+    /// What the menus' commands go to: what has the focus, or had it before the menu bar took it.
+    QWidget *firstResponder() const;
+
     bool eventFilter(QObject *receiver, QEvent *event) override;
 
 private:
@@ -38,6 +41,7 @@ private:
 
     std::vector<std::unique_ptr<QMenu>> m_menus;
     std::vector<QPointer<QMenuBar>> m_bars;
+    QPointer<QWidget> m_lastFocus; ///< never a menu bar
 };
 
 } // namespace tovi

@@ -3,6 +3,7 @@
 
 #include <QLineEdit>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QTextEdit>
@@ -247,6 +248,11 @@ bool canPerform(TextEditing editing, const QWidget &textView)
     if (const auto *view = qobject_cast<const QLineEdit *>(&textView))
         return canPerformIn(editing, *view);
     return false;
+}
+
+bool pastesPrimarySelection(const QMouseEvent &event)
+{
+    return event.type() == QEvent::MouseButtonRelease && event.button() == Qt::MiddleButton;
 }
 
 void showEditMenu(QTextEdit &textView, const QPoint &at)

@@ -2,6 +2,7 @@
 #pragma once
 
 class QLineEdit;
+class QMouseEvent;
 class QPlainTextEdit;
 class QPoint;
 class QTextEdit;
@@ -17,6 +18,10 @@ enum class TextEditing { undo, redo, cut, copy, paste, remove, selectAll };
 bool perform(TextEditing editing, QWidget &textView);
 /// Whether it would change or copy something now; what others have copied is not looked at. Main thread.
 bool canPerform(TextEditing editing, const QWidget &textView);
+
+/// Whether the toolkit would paste what was selected last anywhere, for which it waits for the owner, who may
+/// hang, on the main thread. Such events are for nobody.
+bool pastesPrimarySelection(const QMouseEvent &event);
 
 /// Shows the menu of what can be done in a text view at a point of it. The toolkit's own speaks English and
 /// asks the clipboard's owner, who may hang, before it opens. Main thread.

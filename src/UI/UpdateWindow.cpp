@@ -120,7 +120,7 @@ UpdateWindow::UpdateWindow(UpdateController &controller)
     connect(m_close, &QPushButton::clicked, this, &QWidget::close);
     connect(m_download, &QPushButton::clicked, this, [this] {
         if (const auto &item = m_controller.state->item)
-            Platform::current().workspace().open(item->page.toString());
+            Platform::current().workspace().open(item->page.toString(QUrl::FullyEncoded));
         close();
     });
     auto *buttons = new QHBoxLayout;

@@ -11,7 +11,7 @@
 namespace tovi {
 namespace {
 
-/// A host for status items on the session bus: it only takes their names.
+/// A watcher of status items on the session bus that only takes their names, and after a while their host.
 class NotifierHost final : public QObject, protected QDBusContext
 {
     Q_OBJECT
@@ -25,7 +25,16 @@ public:
                            QDBusConnection::ExportAllContents);
         bus.registerService(QStringLiteral("org.kde.StatusNotifierWatcher"));
     }
-    bool isThere() const { return true; }
+    bool isThere()
+    {
+        isAsked = true;
+        return isHostThere;
+    }
+    void startHost()
+    {
+        isHostThere = true;
+        emit StatusNotifierHostRegistered();
+    }
 
     QDBusMessage call(const char *path, const char *interface, const char *method,
                       const QVariantList &arguments)
@@ -38,6 +47,11 @@ public:
 
     QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("host"));
     QString item;
+    bool isAsked = false;
+    bool isHostThere = false;
+
+signals:
+    void StatusNotifierHostRegistered();
 
 public slots:
     void RegisterStatusNotifierItem(const QString &) { item = message().service(); }
@@ -77,6 +91,8 @@ TEST_F(ProgramDesktop, TheStatusItemFindsAHostThatStartsLater)
     writeDemoSettings(desktop);
     startProgram();
     NotifierHost host;
+    ASSERT_TRUE(DesktopSession::eventually([&] { return host.isAsked; }));
+    host.startHost();
     ASSERT_TRUE(DesktopSession::eventually([&] { return !host.item.isEmpty(); }));
     constexpr const char *menu = "/MenuBar";
     constexpr const char *menuInterface = "com.canonical.dbusmenu";

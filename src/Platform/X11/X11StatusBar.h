@@ -2,14 +2,12 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 
 #include <QAbstractNativeEventFilter>
 
 #include "Platform/Application.h"
+#include "Platform/Linux/NotifierHost.h"
 #include "Platform/X11/Xcb.h"
-
-class QDBusServiceWatcher;
 
 namespace tovi {
 
@@ -23,15 +21,17 @@ public:
     X11StatusBar(const X11StatusBar &) = delete;
 
     std::function<void()> onChange;
+    /// It is not there before the session bus has answered: an item that is made earlier may be lost.
     Application::StatusBar state(std::optional<bool> desktopPrefersDark) const;
 
     bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;
 
 private:
     void findTray();
+    void watchTray();
+    void changed();
 
-    bool m_hasNotifierHost = false;
-    std::unique_ptr<QDBusServiceWatcher> m_watcher;
+    NotifierHost m_notifierHost;
     xcb_atom_t m_managerAtom = 0;
     xcb_atom_t m_trayAtom = 0;
     xcb_atom_t m_coloursAtom = 0;

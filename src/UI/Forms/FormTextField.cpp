@@ -4,6 +4,7 @@
 #include <QAccessibleWidget>
 #include <QContextMenuEvent>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPainter>
 
 #include "UI/Forms/FormStyle.h"
@@ -94,6 +95,12 @@ void FormTextField::keyPressEvent(QKeyEvent *event)
         perform(TextEditing::paste, *this);
     else
         QLineEdit::keyPressEvent(event);
+}
+
+void FormTextField::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (!pastesPrimarySelection(*event))
+        QLineEdit::mouseReleaseEvent(event);
 }
 
 void FormTextField::contextMenuEvent(QContextMenuEvent *event)

@@ -2,7 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QIcon>
 #include <QLabel>
+#include <QPixmap>
+#include <QSystemTrayIcon>
 #include <QWindow>
 
 #include "Platform/X11/FrontWindow.h"
@@ -104,16 +107,36 @@ TEST_F(Windows, HideAndComeBack)
     other->waitForFinished();
 }
 
-TEST_F(Windows, AStatusBarThatStartsLaterIsNoticed)
+TEST_F(Windows, ATrayIsNoticedWhenItComesChangesAndGoes)
 {
     ASSERT_FALSE(application.statusBar().isThere);
-    bool isAnnounced = false;
-    const Subscription watch = application.watchStatusBar([&] { isAnnounced = true; });
+    std::unique_ptr<QSystemTrayIcon> item;
+    std::optional<bool> isDark;
+    const Subscription watch = application.watchStatusBar([&] {
+        isDark = application.statusBar().isDark;
+        if (item || !application.statusBar().isThere)
+            return;
+        // As the toolkit asks for events of the tray, too.
+        item = std::make_unique<QSystemTrayIcon>(QIcon(QPixmap(16, 16)));
+        item->show();
+    });
     const auto tray = LiveDesktop::start(QStringLiteral("trayer"), {});
-    EXPECT_TRUE(waitUntil([&] { return isAnnounced; }));
-    EXPECT_TRUE(application.statusBar().isThere);
+    ASSERT_TRUE(waitUntil([&] { return item && item->geometry().isValid(); }));
+    auto *connection = QtXcb::connection();
+    const XcbOwned<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
+        connection, xcb_get_selection_owner(connection, user.atom("_NET_SYSTEM_TRAY_S0")), nullptr));
+    ASSERT_TRUE(owner);
+    for (const bool dark : {true, false}) {
+        const QList<quint32> colours(12, dark ? 0xffff : 0);
+        xcb_change_property(connection, XCB_PROP_MODE_REPLACE, owner->owner,
+                            user.atom("_NET_SYSTEM_TRAY_COLORS"), XCB_ATOM_CARDINAL, 32, 12,
+                            colours.constData());
+        xcb_flush(connection);
+        EXPECT_TRUE(waitUntil([&] { return isDark == dark; }));
+    }
     tray->kill();
     tray->waitForFinished();
+    EXPECT_TRUE(waitUntil([&] { return !application.statusBar().isThere; }));
 }
 
 } // namespace

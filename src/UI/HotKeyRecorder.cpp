@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <utility>
 
+#include <QApplication>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPointer>
 
@@ -140,6 +142,15 @@ bool HotKeyRecorder::event(QEvent *event)
     return QAbstractButton::event(event);
 }
 
+bool HotKeyRecorder::eventFilter(QObject *watched, QEvent *event)
+{
+    // Most of a window takes no focus, so a press there does not take ours.
+    if (event->type() == QEvent::MouseButtonPress && watched->isWidgetType() &&
+        !rect().contains(mapFromGlobal(static_cast<QMouseEvent *>(event)->globalPosition()).toPoint()))
+        endRecording();
+    return QAbstractButton::eventFilter(watched, event);
+}
+
 void HotKeyRecorder::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter)
@@ -182,6 +193,7 @@ void HotKeyRecorder::startRecording()
     setFocus(Qt::OtherFocusReason);
     if (std::exchange(m_isRecording, true))
         return;
+    qApp->installEventFilter(this);
     contentChanged();
     if (onRecordingChanged)
         onRecordingChanged(true);
@@ -190,6 +202,7 @@ void HotKeyRecorder::startRecording()
 void HotKeyRecorder::endRecording()
 {
     m_isRecording = false;
+    qApp->removeEventFilter(this);
     contentChanged();
     if (onRecordingChanged)
         onRecordingChanged(false);
@@ -200,6 +213,7 @@ void HotKeyRecorder::record(const QKeyEvent &event)
     // The key that has started the recording may still be down.
     if (isModifierKey(event.key()) || event.isAutoRepeat())
         return;
+    m_focus->keyUsed();
     if (event.key() == Qt::Key_Escape) {
         endRecording();
         return;

@@ -12,8 +12,9 @@ namespace tovi {
 
 class KeyboardFocus;
 
-/// Shows a shortcut; a click or Return starts recording the next combination of keys. Esc leaves the value,
-/// Backspace and Delete empty it, a key without Ctrl, Alt or Super is refused with a beep. Main thread.
+/// Shows a shortcut; a click or Return starts recording the next combination of keys. Esc and a
+/// press elsewhere leave the value, Backspace and Delete empty it, a key without Ctrl, Alt or Super is
+/// refused with a beep. Main thread.
 class HotKeyRecorder : public QAbstractButton
 {
     Q_OBJECT
@@ -35,6 +36,7 @@ public:
 
 protected:
     bool event(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
     void paintEvent(QPaintEvent *event) override;

@@ -7,7 +7,9 @@
 #include <QCursor>
 #include <QGuiApplication>
 #include <QIcon>
+#include <QKeyEvent>
 #include <QLayout>
+#include <QMenuBar>
 #include <QScreen>
 
 #include "UI/MainMenu.h"
@@ -48,6 +50,15 @@ void RegularWindow::closeEvent(QCloseEvent *event)
     event->accept();
     if (onClose)
         onClose();
+}
+
+void RegularWindow::keyPressEvent(QKeyEvent *event)
+{
+    // As in other programs; the toolkit knows Alt only.
+    if (event->key() != Qt::Key_F10 || event->modifiers() || menuBar()->actions().isEmpty())
+        QMainWindow::keyPressEvent(event);
+    else
+        menuBar()->setActiveAction(menuBar()->actions().constFirst());
 }
 
 } // namespace tovi

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <gtest/gtest.h>
 
 #include "Settings.h"
@@ -107,6 +108,22 @@ TEST_F(HotKeyRecorderTest, EndsWithTheFocusAndWithItself)
     delete &recorder(0);
     EXPECT_EQ(posted, (QList{true, false, true, false, true, false}));
     EXPECT_EQ(Settings::shared().captureHotKey.get(), old);
+}
+
+TEST_F(HotKeyRecorderTest, APressElsewhereEndsItAndOneOnItDoesNot)
+{
+    recorder(0).click();
+    const auto pressOn = [](QWidget &widget) {
+        QMouseEvent event(QEvent::MouseButtonPress, QPointF(1, 1), widget.mapToGlobal(QPointF(1, 1)),
+                          Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&widget, &event);
+    };
+    pressOn(recorder(0));
+    EXPECT_TRUE(recorder(0).isRecording());
+    pressOn(window);
+    EXPECT_FALSE(recorder(0).isRecording());
+    EXPECT_EQ(posted, (QList{true, false}));
+    EXPECT_EQ(recorder(0).hotKey(), Settings::defaultCaptureHotKey);
 }
 
 TEST_F(HotKeyRecorderTest, FollowsItsSetting)

@@ -1,33 +1,42 @@
 // SPDX-License-Identifier: MIT
 #include "Platform/Linux/DesktopAppearance.h"
 
-#include <QDBusConnection>
-#include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
+#include <QDBusVariant>
 
 namespace tovi {
 
 namespace {
+const auto portalService = QStringLiteral("org.freedesktop.portal.Desktop");
 const auto portalPath = QStringLiteral("/org/freedesktop/portal/desktop");
 const auto settingsInterface = QStringLiteral("org.freedesktop.portal.Settings");
 const auto appearanceNamespace = QStringLiteral("org.freedesktop.appearance");
 const auto colorSchemeKey = QStringLiteral("color-scheme");
 } // namespace
 
-DesktopAppearance::DesktopAppearance(std::function<void()> changed)
-    : m_changed(std::move(changed))
+DesktopAppearance::DesktopAppearance(const QDBusConnection &bus, std::function<void()> changed)
+    : m_bus(bus)
+    , m_changed(std::move(changed))
 {
-    auto bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected())
+    if (!m_bus.isConnected())
         return;
     // Naming the sender here would make Qt wait for the bus to tell its owner.
-    bus.connect({}, portalPath, settingsInterface, QStringLiteral("SettingChanged"), this,
-                SLOT(settingChanged(QString, QString, QDBusVariant)));
-    auto read = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.portal.Desktop"), portalPath,
-                                               settingsInterface, QStringLiteral("Read"));
+    m_bus.connect({}, portalPath, settingsInterface, QStringLiteral("SettingChanged"), this,
+                  SLOT(settingChanged(QDBusMessage)));
+    auto *portal =
+        new QDBusServiceWatcher(portalService, m_bus, QDBusServiceWatcher::WatchForRegistration, this);
+    connect(portal, &QDBusServiceWatcher::serviceRegistered, this, &DesktopAppearance::ask);
+    ask();
+}
+
+void DesktopAppearance::ask()
+{
+    auto read =
+        QDBusMessage::createMethodCall(portalService, portalPath, settingsInterface, QStringLiteral("Read"));
     read << appearanceNamespace << colorSchemeKey;
-    auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(read), this);
+    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(read), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, &DesktopAppearance::answered);
 }
 
@@ -39,11 +48,11 @@ void DesktopAppearance::answered(QDBusPendingCallWatcher *watcher)
         take(reply.value().variant());
 }
 
-void DesktopAppearance::settingChanged(const QString &nameSpace, const QString &key,
-                                       const QDBusVariant &value)
+void DesktopAppearance::settingChanged(const QDBusMessage &message)
 {
-    if (nameSpace == appearanceNamespace && key == colorSchemeKey)
-        take(value.variant());
+    const QVariantList arguments = message.arguments();
+    if (arguments.value(0) == appearanceNamespace && arguments.value(1) == colorSchemeKey)
+        take(arguments.value(2));
 }
 
 void DesktopAppearance::take(const QVariant &colorScheme)

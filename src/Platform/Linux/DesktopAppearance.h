@@ -4,9 +4,10 @@
 #include <functional>
 #include <optional>
 
-#include <QDBusVariant>
+#include <QDBusConnection>
+#include <QDBusMessage>
 #include <QObject>
-#include <QString>
+#include <QVariant>
 
 class QDBusPendingCallWatcher;
 
@@ -18,18 +19,20 @@ class DesktopAppearance final : public QObject
     Q_OBJECT
 public:
     /// `changed` runs whenever the answer of prefersDark() has changed.
-    explicit DesktopAppearance(std::function<void()> changed);
+    DesktopAppearance(const QDBusConnection &bus, std::function<void()> changed);
 
     /// None while unknown, or where the desktop has no preference.
     std::optional<bool> prefersDark() const { return m_prefersDark; }
 
 private Q_SLOTS:
-    void settingChanged(const QString &nameSpace, const QString &key, const QDBusVariant &value);
+    void settingChanged(const QDBusMessage &message);
 
 private:
+    void ask();
     void answered(QDBusPendingCallWatcher *watcher);
     void take(const QVariant &colorScheme);
 
+    QDBusConnection m_bus;
     std::function<void()> m_changed;
     std::optional<bool> m_prefersDark;
 };

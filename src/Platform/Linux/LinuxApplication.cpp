@@ -2,6 +2,7 @@
 #include "Platform/Linux/LinuxApplication.h"
 
 #include <QApplication>
+#include <QDBusConnection>
 #include <QPalette>
 
 #include "Platform/Linux/DesktopAppearance.h"
@@ -66,7 +67,7 @@ LinuxApplication::~LinuxApplication() = default;
 DesktopAppearance &LinuxApplication::desktop()
 {
     if (!m_desktop)
-        m_desktop = std::make_unique<DesktopAppearance>([this] {
+        m_desktop = std::make_unique<DesktopAppearance>(QDBusConnection::sessionBus(), [this] {
             applyPalette();
             m_desktopPreferenceChanged.emitToAll();
         });

@@ -20,6 +20,12 @@ bool KeyboardFocus::isShown() const
     return m_cameByKey && m_control->hasFocus();
 }
 
+void KeyboardFocus::keyUsed()
+{
+    m_cameByKey = true;
+    m_control->update();
+}
+
 bool KeyboardFocus::isShownFor(const QWidget *control)
 {
     const auto *focus = control ? control->findChild<KeyboardFocus *>() : nullptr;

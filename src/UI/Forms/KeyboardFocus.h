@@ -7,7 +7,8 @@ class QWidget;
 
 namespace tovi {
 
-/// Tells whether a control should show a focus ring: only while it has the keyboard, and got it by a key.
+/// Tells whether a control should show a focus ring: only while it has the keyboard, and got or used it by a
+/// key.
 class KeyboardFocus : public QObject
 {
     Q_OBJECT
@@ -16,6 +17,8 @@ public:
     explicit KeyboardFocus(QWidget *control);
 
     bool isShown() const;
+    /// A control that a click brought the keyboard to has just used a key.
+    void keyUsed();
     /// Whether the control with the keyboard shows its ring; controls without a ring never do.
     static bool isShownFor(const QWidget *control);
 

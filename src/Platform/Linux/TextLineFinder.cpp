@@ -286,8 +286,9 @@ private:
         std::vector<int> cellsOfRow(rows.size());
         int proseColumns = 0;
         for (const Span &column : columns) {
+            const QRect part(column.begin, rect.y(), column.length(), rect.height());
             std::vector<int> widths;
-            for (const Span &cell : rowsOf({column.begin, rect.y(), column.length(), rect.height()})) {
+            for (const Span &cell : rowsOf(part)) {
                 const auto row = std::ranges::find_if(
                     rows, [&](const Span &row) { return row.begin <= cell.begin && row.end >= cell.end; });
                 if (row == rows.end() || row->length() > cell.length() + m_lineHeight)
@@ -299,7 +300,10 @@ private:
             }
             const auto middle = widths.begin() + std::ptrdiff_t(widths.size() / 2);
             std::nth_element(widths.begin(), middle, widths.end());
-            proseColumns += *middle >= m_lineHeight * lineOfProse && *middle * 10 >= column.length() * 7;
+            // Blanks of prose do not stand below each other, as those of lists and terminals do.
+            const int words = int(m_edges.inkedColumns(part).size());
+            proseColumns += *middle >= m_lineHeight * lineOfProse && *middle * 10 >= column.length() * 7 &&
+                            column.length() >= m_lineHeight * words * 2;
         }
         const auto shared = std::ranges::count_if(cellsOfRow, [](int cells) { return cells > 1; });
         return proseColumns < 2 && shared * 2 >= qsizetype(rows.size());

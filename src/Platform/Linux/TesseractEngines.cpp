@@ -19,7 +19,7 @@ QString TesseractReading::text() const
     QString text;
     for (const Word &word : words) {
         if (word.hasBlankBefore && !text.isEmpty())
-            text += u' ';
+            text += word.isApart ? u'\t' : u' ';
         text += word.text;
     }
     return text;
@@ -81,7 +81,7 @@ void TesseractEngines::giveBack(const QString &language, TessBaseAPI *api)
     m_resting.push_back({language, api, m_clock.now()});
 }
 
-QList<TesseractReading::Word> TesseractEngines::words(TessBaseAPI *api) const
+QList<TesseractReading::Word> TesseractEngines::words(TessBaseAPI *api, int height) const
 {
     QList<TesseractReading::Word> words;
     TessResultIterator *iterator = m_library.iterator(api);
@@ -110,6 +110,7 @@ QList<TesseractReading::Word> TesseractEngines::words(TessBaseAPI *api) const
             word.hasBlankBefore = position > 0;
             rest.remove(0, position + word.text.size());
         }
+        word.isApart = !words.isEmpty() && (word.begin - words.last().end) * 5 > height * 2;
         if (!word.text.isEmpty())
             words << word;
     } while (m_library.next(iterator, tesseract::RIL_WORD));
@@ -140,7 +141,7 @@ std::optional<TesseractReading> TesseractEngines::read(const QString &language, 
                              int(call.line->bytesPerLine()));
             library.setSourceResolution(call.api, resolution);
             if (library.recognize(call.api, nullptr) == 0)
-                call.reading->words = call.self->words(call.api);
+                call.reading->words = call.self->words(call.api, call.line->height());
             library.clear(call.api);
         },
         &call);

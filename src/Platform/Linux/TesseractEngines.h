@@ -26,11 +26,13 @@ struct TesseractReading
         int begin = 0;         ///< pixels of the line's picture
         int end = 0;
         bool hasBlankBefore = true;
+        bool isApart = false; ///< as cells of a table are
     };
 
     QString language; ///< its data's name
     QList<Word> words;
 
+    /// With blanks between words, and tabulators where they stand apart.
     QString text() const;
     /// Of all words, the longer ones counting more.
     double confidence() const;
@@ -65,7 +67,7 @@ private:
     void end(const std::function<bool(const Engine &)> &isOver);
     TessBaseAPI *take(const QString &language);
     void giveBack(const QString &language, TessBaseAPI *api);
-    QList<TesseractReading::Word> words(TessBaseAPI *api) const;
+    QList<TesseractReading::Word> words(TessBaseAPI *api, int height) const;
 
     const TesseractLibrary &m_library;
     const QByteArray m_dataFolder;

@@ -137,6 +137,7 @@ TesseractReading withWordsOf(const TesseractReading &english, const TesseractRea
             const qsizetype first = merged.words.size();
             merged.words << other.words;
             merged.words[first].hasBlankBefore |= own.words.first().hasBlankBefore;
+            merged.words[first].isApart |= own.words.first().isApart;
         } else {
             merged.words << own.words;
         }
@@ -286,7 +287,7 @@ QString tidyText(const TesseractReading &reading)
             continue;
         const bool isOpening = c == u'(';
         const QChar neighbour = isOpening ? after : before;
-        tidy += isIdeographic(neighbour) ? wideForm(c) : c;
+        tidy += c == u'\t' ? u' ' : isIdeographic(neighbour) ? wideForm(c) : c;
     }
     return tidy.trimmed();
 }

@@ -9,6 +9,7 @@
 #include <mutex>
 
 #include "Platform/DispatchQueue.h"
+#include "Platform/Linux/InkPicture.h"
 #include "Platform/Linux/TesseractEngines.h"
 #include "Platform/Linux/TesseractLineReader.h"
 #include "Platform/Linux/TextLineFinder.h"
@@ -77,14 +78,14 @@ public:
         , m_pool(pool)
         , m_languages(dataNames(request.languages))
         , m_reader(engines, m_languages)
-        , m_gray(request.image.convertToFormat(QImage::Format_Grayscale8))
+        , m_ink(inkPicture(request.image.convertToFormat(QImage::Format_Grayscale8)))
         , m_stop(request.stop)
         , m_end(std::move(end))
     {}
 
     QList<RecognizedText> run()
     {
-        const QList<QRect> boxes = findTextLines(m_gray, [this] { return isStopped(); });
+        const QList<QRect> boxes = findTextLines(m_ink, [this] { return isStopped(); });
         throwIfStopped();
         if (boxes.isEmpty())
             return {};
@@ -97,7 +98,7 @@ public:
             // The widest first: the threads end together when the longest work comes first.
             const qsizetype line = i == 0 ? first : (i <= first ? i - 1 : i);
             if (!isStopped())
-                readings[size_t(line)] = m_reader.read(likely, textLinePicture(m_gray, boxes[line]));
+                readings[size_t(line)] = m_reader.read(likely, textLinePicture(m_ink, boxes[line]));
         });
         throwIfStopped();
         QList<RecognizedText> texts;
@@ -114,7 +115,7 @@ private:
     /// Of the whole picture, as its widest line shows it.
     QString likelyLanguage(const QRect &box)
     {
-        const QImage line = textLinePicture(m_gray, box);
+        const QImage line = textLinePicture(m_ink, box);
         std::vector<std::optional<TesseractReading>> found(size_t(m_languages.size()));
         inParallel(m_pool, int(m_languages.size()), [&](int i) {
             if (!isStopped())
@@ -145,7 +146,7 @@ private:
     QThreadPool &m_pool;
     const QStringList m_languages;
     TesseractLineReader m_reader;
-    const QImage m_gray;
+    const QImage m_ink;
     const std::stop_token m_stop;
     const std::stop_token m_end;
 };

@@ -9,16 +9,13 @@ namespace tovi {
 
 namespace {
 
-constexpr int edgeStep = 28;       ///< of 255: fainter steps are shading, not text
-constexpr int longestStroke = 100; ///< pixels; what is longer is a border or an underline
-constexpr int narrowestFrame = 40; ///< pixels of a button or a cell
-constexpr int lowestFrame = 14;
-constexpr int frameWidth = 3;
-constexpr int frameCorner = 8;
+constexpr int edgeStep = 28;          ///< of 255: fainter steps are shading, not text
 constexpr qsizetype mostLines = 3000; ///< a large screen full of small text; more are a pattern
 constexpr int lowestBlock = 20;       ///< pixels of lines that touch
 constexpr int smallestLine = 5;       ///< pixels of height
 constexpr double gutter = 1.8;        ///< of a line's height: a gap so wide separates columns
+constexpr int mostBlanks = 3;         ///< line heights between words of a line that stands alone
+constexpr int lineOfProse = 7;        ///< line heights: columns of shorter ones are read row by row
 
 struct Span
 {
@@ -45,8 +42,6 @@ public:
             }
         }
         findParts();
-        dropLongStrokes(m_height, m_width, [this](int line, int i) -> uchar & { return at(i, line); });
-        dropLongStrokes(m_width, m_height, [this](int line, int i) -> uchar & { return at(line, i); });
     }
 
     QRect bounds() const { return {0, 0, m_width, m_height}; }
@@ -93,33 +88,15 @@ private:
     size_t index(int x, int y) const { return size_t(y) * size_t(m_width) + size_t(x); }
     uchar &at(int x, int y) { return m_edges[index(x, y)]; }
 
-    /// Finds connected strokes; those that frame something, as buttons and cells do, go.
     void findParts()
     {
         std::vector<uchar> isLeft = m_edges;
         std::vector<QPoint> part;
         for (int y = 0; y < m_height; ++y) {
             for (int x = 0; x < m_width; ++x) {
-                if (!isLeft[index(x, y)])
-                    continue;
-                const QRect box = takePart({x, y}, isLeft, part);
-                if (isFrame(box, part))
-                    dropFrame(box, part);
-                else
-                    m_parts.push_back(box);
+                if (isLeft[index(x, y)])
+                    m_parts.push_back(takePart({x, y}, isLeft, part));
             }
-        }
-    }
-
-    /// What is inside stays: selected text may touch the selection's edge.
-    void dropFrame(const QRect &box, const std::vector<QPoint> &part)
-    {
-        const QRect inside = box.adjusted(frameWidth, frameWidth, -frameWidth, -frameWidth);
-        const QRect upright = box.adjusted(frameCorner, 0, -frameCorner, 0);
-        const QRect flat = box.adjusted(0, frameCorner, 0, -frameCorner);
-        for (const QPoint point : part) {
-            if (!inside.contains(point) || !(upright.contains(point) || flat.contains(point)))
-                at(point.x(), point.y()) = 0;
         }
     }
 
@@ -141,36 +118,6 @@ private:
             }
         }
         return box;
-    }
-
-    /// Straight at the top and at the bottom.
-    static bool isFrame(const QRect &box, const std::vector<QPoint> &part)
-    {
-        if (box.width() < narrowestFrame || box.height() < lowestFrame)
-            return false;
-        std::vector<int> rows(size_t(box.height()));
-        for (const QPoint point : part)
-            ++rows[size_t(point.y() - box.y())];
-        const auto isStraight = [&](int count) { return count * 10 >= box.width() * 8; };
-        return std::any_of(rows.begin(), rows.begin() + 3, isStraight) &&
-               std::any_of(rows.end() - 3, rows.end(), isStraight);
-    }
-
-    template <class At>
-    void dropLongStrokes(int lines, int length, At edge)
-    {
-        for (int line = 0; line < lines; ++line) {
-            int begin = 0;
-            for (int i = 0; i <= length; ++i) {
-                if (i < length && edge(line, i))
-                    continue;
-                if (i - begin > longestStroke) {
-                    for (int k = begin; k < i; ++k)
-                        edge(line, k) = 0;
-                }
-                begin = i + 1;
-            }
-        }
     }
 
     static std::vector<Span> spans(const std::vector<int> &counts, int offset)
@@ -309,16 +256,57 @@ private:
                 ++i;
                 continue;
             }
+            const QRect part = rowRect(rect, rows[i].begin, rows[end - 1].end);
+            if (isTable(part, columns)) {
+                for (; i < end; ++i)
+                    addLines(rowRect(rect, rows[i].begin, rows[i].end));
+                continue;
+            }
             for (const Span &column : columns) {
-                const QRect part(column.begin, rows[i].begin, column.length(),
-                                 rows[end - 1].end - rows[i].begin);
-                if (columnsOf(part, m_lineHeight).size() == 1 && rowsOf(part).size() == 1)
-                    addLines(part);
+                const QRect ofColumn(column.begin, part.top(), column.length(), part.height());
+                if (columnsOf(ofColumn, m_lineHeight).size() == 1 && rowsOf(ofColumn).size() == 1)
+                    addLines(ofColumn);
                 else
-                    split(part);
+                    split(ofColumn);
             }
             i = end;
         }
+    }
+
+    /// Whether columns are read across: their lines stand side by side, and are no lines of prose.
+    bool isTable(const QRect &rect, const std::vector<Span> &columns) const
+    {
+        const std::vector<Span> rows = rowsOf(rect);
+        if (rows.size() == 1) {
+            int widest = 0;
+            for (size_t i = 1; i < columns.size(); ++i)
+                widest = std::max(widest, columns[i].begin - columns[i - 1].end);
+            return widest <= m_lineHeight * mostBlanks;
+        }
+        std::vector<int> cellsOfRow(rows.size());
+        int proseColumns = 0;
+        for (const Span &column : columns) {
+            const QRect part(column.begin, rect.y(), column.length(), rect.height());
+            std::vector<int> widths;
+            for (const Span &cell : rowsOf(part)) {
+                const auto row = std::ranges::find_if(
+                    rows, [&](const Span &row) { return row.begin <= cell.begin && row.end >= cell.end; });
+                if (row == rows.end() || row->length() > cell.length() + m_lineHeight)
+                    return false;
+                ++cellsOfRow[size_t(row - rows.begin())];
+                const auto ink =
+                    m_edges.inkedColumns({column.begin, cell.begin, column.length(), cell.length()});
+                widths.push_back(ink.back().end - ink.front().begin);
+            }
+            const auto middle = widths.begin() + std::ptrdiff_t(widths.size() / 2);
+            std::nth_element(widths.begin(), middle, widths.end());
+            // Blanks of prose do not stand below each other, as those of lists and terminals do.
+            const int words = int(m_edges.inkedColumns(part).size());
+            proseColumns += *middle >= m_lineHeight * lineOfProse && *middle * 10 >= column.length() * 7 &&
+                            column.length() >= m_lineHeight * words * 2;
+        }
+        const auto shared = std::ranges::count_if(cellsOfRow, [](int cells) { return cells > 1; });
+        return proseColumns < 2 && shared * 2 >= qsizetype(rows.size());
     }
 
     bool isOver() const { return m_lines.size() >= mostLines || m_isStopped(); }

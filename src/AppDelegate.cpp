@@ -13,6 +13,7 @@
 #include "Platform/Trace.h"
 #include "Platform/UserDefaults.h"
 #include "Settings.h"
+#include "UI/HotKeyRecorder.h"
 #include "UI/OnboardingWindowController.h"
 #include "UI/ScreenSelectionController.h"
 #include "UI/SettingsWindowController.h"
@@ -89,7 +90,7 @@ void AppDelegate::setupHotKeys()
     m_observers.push_back(center.observe(Settings::hotKeysChangedNotification,
                                          [this](const QVariantMap &) { hotKeysChanged(); }));
     m_observers.push_back(
-        center.observe(QStringLiteral("com.brevoll.tovi.hotKeyRecordingChanged"),
+        center.observe(HotKeyRecorder::recordingChangedNotification,
                        [this](const QVariantMap &userInfo) { hotKeyRecordingChanged(userInfo); }));
     m_observers.push_back(center.observe(Localization::languageChangedNotification,
                                          [this](const QVariantMap &) { languageChanged(); }));

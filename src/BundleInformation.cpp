@@ -18,6 +18,11 @@ QString version()
     return QStringLiteral(TOVI_BUILD_NUMBER);
 }
 
+QString versionText()
+{
+    return shortVersion() + QStringLiteral(" (") + version() + QLatin1Char(')');
+}
+
 QString updateFeedURL()
 {
     const QString replacement = qEnvironmentVariable("TOVI_UPDATE_FEED_URL");

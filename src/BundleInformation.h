@@ -12,6 +12,8 @@ QString name();
 QString shortVersion();
 /// The number of this build, "37".
 QString version();
+/// Both of them, "1.4.2 (37)".
+QString versionText();
 /// Where the list of versions is; empty when nobody has told. TOVI_UPDATE_FEED_URL replaces it.
 QString updateFeedURL();
 /// Whether the program looks for newer versions itself; a package manager may do that.

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
+#include <optional>
 
 #include <QApplication>
 

@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <gtest/gtest.h>
 
+#include "Localization.h"
 #include "Support/WebFixture.h"
 #include "UI/UpdateWindow.h"
 
@@ -177,7 +178,15 @@ TEST_F(Updates, AreShownWithTheirNotesAndADownloadPage)
     EXPECT_TRUE(window()) << "it shows at once that it looks";
     EXPECT_EQ(platform.application().policy, Application::ActivationPolicy::Regular);
     ASSERT_TRUE(says(QStringLiteral("Tovi 0.9 is available. You have 0.1.0.")));
-    EXPECT_EQ(window()->findChild<QPlainTextEdit *>()->toPlainText(), QStringLiteral("Much faster"));
+    auto *notes = window()->findChild<QPlainTextEdit *>();
+    EXPECT_EQ(notes->toPlainText(), QStringLiteral("Much faster"));
+    QWidget *download = window()->focusWidget();
+    notes->setFocus();
+    Localization::shared().language = AppLanguage::de;
+    drainMainQueue();
+    EXPECT_EQ(window()->focusWidget(), notes);
+    Localization::shared().language = AppLanguage::system;
+    download->setFocus();
     qobject_cast<QPushButton *>(window()->focusWidget())->click();
     EXPECT_EQ(platform.workspace().opened, QStringList{QStringLiteral("https://e.org/get%20it")});
     EXPECT_FALSE(window());

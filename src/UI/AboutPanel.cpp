@@ -10,6 +10,7 @@
 #include "BundleInformation.h"
 #include "Localization.h"
 #include "Platform/Platform.h"
+#include "UI/RegularWindow.h"
 
 namespace tovi::AboutPanel {
 
@@ -20,16 +21,14 @@ constexpr int titlePixels = 22;
 
 struct Holder
 {
-    QPointer<QWidget> window;
+    QPointer<RegularWindow> window;
     ~Holder() { delete window; }
 };
 
-QWidget *makeWindow()
+RegularWindow *makeWindow()
 {
-    auto *window = new QWidget(nullptr, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
-                                            Qt::WindowCloseButtonHint);
+    auto *window = new RegularWindow(RegularWindow::Style::fixed);
     window->setAttribute(Qt::WA_DeleteOnClose);
-    window->setWindowIcon(QIcon(QStringLiteral(":/tovi/ToviLogo.svg")));
     window->setWindowTitle(Localization::shared().t(Str::menuAbout));
     auto *logo = new QLabel;
     logo->setPixmap(QIcon(QStringLiteral(":/tovi/ToviLogo.svg")).pixmap(logoSide, logoSide));
@@ -38,15 +37,16 @@ QWidget *makeWindow()
     font.setPixelSize(titlePixels);
     font.setWeight(QFont::DemiBold);
     name->setFont(font);
-    const QString version =
-        BundleInformation::shortVersion() + QStringLiteral(" (") + BundleInformation::version() + u')';
-    auto *versionLine = new QLabel(formatted(Localization::shared().t(Str::aboutVersionFormat), {version}));
+    auto *versionLine = new QLabel(
+        formatted(Localization::shared().t(Str::aboutVersionFormat), {BundleInformation::versionText()}));
     versionLine->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    auto *layout = new QVBoxLayout(window);
+    versionLine->setContextMenuPolicy(Qt::NoContextMenu); // the toolkit's speaks English
+    auto *content = new QWidget;
+    auto *layout = new QVBoxLayout(content);
     layout->setContentsMargins(48, 24, 48, 28);
-    layout->setSizeConstraint(QLayout::SetFixedSize);
     for (QLabel *line : {logo, name, versionLine})
         layout->addWidget(line, 0, Qt::AlignHCenter);
+    window->setCentralWidget(content);
     QObject::connect(new QShortcut(QKeySequence::Cancel, window), &QShortcut::activated, window,
                      &QWidget::close);
     return window;
@@ -59,9 +59,7 @@ void orderFront()
     auto &holder = Platform::current().shared<Holder>();
     if (!holder.window)
         holder.window = makeWindow();
-    holder.window->show();
-    holder.window->raise();
-    holder.window->activateWindow();
+    holder.window->makeKeyAndOrderFront();
 }
 
 } // namespace tovi::AboutPanel

@@ -86,9 +86,8 @@ public:
         setHotKey(m_setting);
         onChange = [this](const HotKey &keys) { m_setting = keys; };
         onRecordingChanged = [](bool isRecording) {
-            Platform::current().notificationCenter().post(
-                QStringLiteral("com.brevoll.tovi.hotKeyRecordingChanged"),
-                {{QStringLiteral("recording"), isRecording}});
+            Platform::current().notificationCenter().post(HotKeyRecorder::recordingChangedNotification,
+                                                          {{QStringLiteral("recording"), isRecording}});
         };
     }
 
@@ -98,6 +97,9 @@ private:
 };
 
 } // namespace
+
+const QString HotKeyRecorder::recordingChangedNotification =
+    QStringLiteral("com.brevoll.tovi.hotKeyRecordingChanged");
 
 HotKeyRecorder::HotKeyRecorder(QWidget *parent)
     : QAbstractButton(parent)
@@ -171,13 +173,13 @@ void HotKeyRecorder::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QColor accent = SystemColor::accent(palette());
-    QColor ground = palette().color(QPalette::Base);
+    QColor background = palette().color(QPalette::Base);
     if (m_isRecording) {
-        ground = accent;
-        ground.setAlphaF(0.15F);
+        background = accent;
+        background.setAlphaF(0.15F);
     }
     const QRectF frame = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
-    painter.setBrush(ground);
+    painter.setBrush(background);
     painter.setPen(QPen(m_isRecording ? accent : SystemColor::separator(palette()), 1));
     painter.drawRoundedRect(frame, radius, radius);
     painter.setPen(m_isRecording ? accent : SystemColor::label(palette()));

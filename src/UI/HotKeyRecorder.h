@@ -20,6 +20,8 @@ class HotKeyRecorder : public QAbstractButton
     Q_OBJECT
 
 public:
+    static const QString recordingChangedNotification; ///< "com.brevoll.tovi.hotKeyRecordingChanged"
+
     explicit HotKeyRecorder(QWidget *parent = nullptr);
     ~HotKeyRecorder() override;
 
@@ -53,8 +55,8 @@ private:
     KeyboardFocus *m_focus;
 };
 
-/// A recorder of the setting of a slot. While it records it posts
-/// "com.brevoll.tovi.hotKeyRecordingChanged" with "recording" true, and false when it ends.
+/// A recorder of the setting of a slot. It posts recordingChangedNotification with "recording" true when it
+/// begins to record, and false when it ends.
 QWidget *makeHotKeyRecorder(HotKeyStatus::Slot slot, QWidget *parent);
 
 } // namespace tovi

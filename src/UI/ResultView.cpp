@@ -11,6 +11,7 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include "BundleInformation.h"
 #include "Localization.h"
 #include "Platform/Clock.h"
 #include "Platform/Platform.h"
@@ -151,7 +152,7 @@ QFont ResultView::textFont(double pixels)
 ResultView::ResultView(std::shared_ptr<ResultViewModel> model)
     : m_model(std::move(model))
 {
-    setAccessibleName(QStringLiteral("Tovi"));
+    setAccessibleName(BundleInformation::name());
     m_header = makeHeader();
     m_sourceSection = makeSourceSection();
     m_divider = new Divider(this);

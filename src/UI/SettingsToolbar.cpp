@@ -51,13 +51,13 @@ protected:
     {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        QColor ground = SystemColor::accent(palette());
-        ground.setAlphaF(isDown() ? 0.24F : 0.16F);
+        QColor background = SystemColor::accent(palette());
+        background.setAlphaF(isDown() ? 0.24F : 0.16F);
         if (!isChecked())
-            ground = SystemColor::hover(palette());
+            background = SystemColor::hover(palette());
         if (isChecked() || underMouse() || isDown()) {
             painter.setPen(Qt::NoPen);
-            painter.setBrush(ground);
+            painter.setBrush(background);
             painter.drawRoundedRect(QRectF(rect()), itemRadius, itemRadius);
         }
         const QColor color =

@@ -39,8 +39,8 @@ QPixmap inColour(int size, const QColor &colour)
     return pixmap;
 }
 
-/// Light on a ground of its own.
-QPixmap onOwnGround(int size)
+/// Light on a background of its own.
+QPixmap onOwnBackground(int size)
 {
     QPixmap pixmap(size, size);
     pixmap.fill(Qt::transparent);
@@ -56,11 +56,12 @@ QPixmap onOwnGround(int size)
 
 } // namespace
 
-QIcon statusItemIcon(std::optional<bool> isDarkGround)
+QIcon statusItemIcon(std::optional<bool> isDarkBackground)
 {
     QIcon icon;
     for (const int size : sizes)
-        icon.addPixmap(isDarkGround ? inColour(size, *isDarkGround ? onDark : onLight) : onOwnGround(size));
+        icon.addPixmap(isDarkBackground ? inColour(size, *isDarkBackground ? onDark : onLight)
+                                        : onOwnBackground(size));
     return icon;
 }
 

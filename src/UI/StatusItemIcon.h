@@ -7,8 +7,8 @@
 
 namespace tovi {
 
-/// The status item's picture for a dark or a light ground; on an unknown one, a shape that is seen on both.
-/// Main thread.
-QIcon statusItemIcon(std::optional<bool> isDarkGround);
+/// The status item's picture for a dark or a light background; on an unknown one, a shape that is seen on
+/// both. Main thread.
+QIcon statusItemIcon(std::optional<bool> isDarkBackground);
 
 } // namespace tovi

@@ -2,7 +2,6 @@
 #include "UI/UpdateWindow.h"
 
 #include <QHBoxLayout>
-#include <QIcon>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -81,9 +80,7 @@ struct Presenter
         if (!window)
             window = new UpdateWindow(Updater::controller());
         Platform::current().application().setActivationPolicy(Application::ActivationPolicy::Regular);
-        window->show();
-        window->raise();
-        window->activateWindow();
+        window->makeKeyAndOrderFront();
     }
 
     QPointer<UpdateWindow> window;
@@ -99,8 +96,7 @@ void UpdateWindow::checkForUpdates()
 }
 
 UpdateWindow::UpdateWindow(UpdateController &controller)
-    : QWidget(nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
-                           Qt::WindowCloseButtonHint)
+    : RegularWindow(Style::fixed)
     , m_controller(controller)
     , m_message(new QLabel)
     , m_notes(new QPlainTextEdit)
@@ -108,7 +104,9 @@ UpdateWindow::UpdateWindow(UpdateController &controller)
     , m_close(new QPushButton)
 {
     setAttribute(Qt::WA_DeleteOnClose);
-    setWindowIcon(QIcon(QStringLiteral(":/tovi/ToviLogo.svg")));
+    onClose = [] {
+        Platform::current().application().setActivationPolicy(Application::ActivationPolicy::Accessory);
+    };
     // The feed is not ours: whatever it says is text.
     m_message->setTextFormat(Qt::PlainText);
     m_message->setWordWrap(true);
@@ -127,14 +125,16 @@ UpdateWindow::UpdateWindow(UpdateController &controller)
     buttons->addStretch();
     buttons->addWidget(m_close);
     buttons->addWidget(m_download);
-    auto *layout = new QVBoxLayout(this);
+    auto *content = new QWidget;
+    auto *layout = new QVBoxLayout(content);
     layout->setContentsMargins(20, 20, 20, 20);
     layout->setSpacing(14);
-    layout->setSizeConstraint(QLayout::SetFixedSize);
+    layout->setSizeConstraint(QLayout::SetFixedSize); // a main window does not ask for the height of a width
     m_message->setFixedWidth(messageWidth);
     layout->addWidget(m_message);
     layout->addWidget(m_notes);
     layout->addLayout(buttons);
+    setCentralWidget(content);
 
     const auto later = [this] {
         QMetaObject::invokeMethod(this, &UpdateWindow::refresh, Qt::QueuedConnection);
@@ -153,19 +153,16 @@ void UpdateWindow::refresh()
     m_message->setText(message(state));
     const bool isAvailable = state.phase == Phase::available;
     m_notes->setAccessibleName(words.notes);
-    m_notes->setPlainText(isAvailable ? state.item->notes : QString());
-    m_notes->setVisible(isAvailable && !state.item->notes.isEmpty());
+    const QString notes = isAvailable ? state.item->notes : QString();
+    if (notes != m_shownNotes)
+        m_notes->setPlainText(m_shownNotes = notes);
+    m_notes->setVisible(!notes.isEmpty());
     m_close->setText(words.close);
     m_download->setText(words.download);
     m_download->setVisible(isAvailable && !state.item->page.isEmpty());
     QPushButton *usual = m_download->isHidden() ? m_close : m_download;
-    usual->setFocus();
-}
-
-void UpdateWindow::closeEvent(QCloseEvent *event)
-{
-    QWidget::closeEvent(event);
-    Platform::current().application().setActivationPolicy(Application::ActivationPolicy::Accessory);
+    if (m_notes->isHidden() || focusWidget() != m_notes)
+        usual->setFocus();
 }
 
 void UpdateWindow::keyPressEvent(QKeyEvent *event)
@@ -176,7 +173,7 @@ void UpdateWindow::keyPressEvent(QKeyEvent *event)
     else if (button && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
         button->click();
     else
-        QWidget::keyPressEvent(event);
+        RegularWindow::keyPressEvent(event);
 }
 
 } // namespace tovi

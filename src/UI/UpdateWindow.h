@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QWidget>
+#include <vector>
 
+#include "UI/RegularWindow.h"
 #include "Updater.h"
 
 class QLabel;
@@ -12,7 +13,7 @@ class QPushButton;
 namespace tovi {
 
 /// What a check for updates has found, or why it has found nothing. Main thread.
-class UpdateWindow final : public QWidget
+class UpdateWindow final : public RegularWindow
 {
     Q_OBJECT
 
@@ -23,7 +24,6 @@ public:
     explicit UpdateWindow(UpdateController &controller);
 
 protected:
-    void closeEvent(QCloseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
@@ -32,6 +32,7 @@ private:
     UpdateController &m_controller;
     QLabel *m_message;
     QPlainTextEdit *m_notes;
+    QString m_shownNotes;
     QPushButton *m_download;
     QPushButton *m_close;
     std::vector<Subscription> m_observers;

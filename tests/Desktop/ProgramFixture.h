@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
+
 #include <QCoreApplication>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonValue>
 #include <X11/keysym.h>
 #include <gtest/gtest.h>
 
@@ -54,6 +59,32 @@ protected:
                    isPanelActive();
         });
     }
+    /// The shown objects of this name, and of any role when it is empty.
+    QList<AccessibleTree::Node> nodes(const QString &name, const QString &role = {}) const
+    {
+        QList<AccessibleTree::Node> found;
+        for (const AccessibleTree::Node &node : AccessibleTree::read(tovi->processId())) {
+            if (node.name == name && (role.isEmpty() || node.role == role) && !node.extents.isEmpty())
+                found << node;
+        }
+        return found;
+    }
+    bool has(const QString &name, const QString &role = {})
+    {
+        return DesktopSession::eventually([&] { return !nodes(name, role).isEmpty(); }, patience);
+    }
+    bool hides(const QString &name)
+    {
+        return DesktopSession::eventually([&] { return nodes(name).isEmpty(); }, patience);
+    }
+    /// Clicks the last of them once it is shown.
+    bool click(const QString &name, const QString &role = {}, int button = 1)
+    {
+        if (!has(name, role))
+            return false;
+        desktop.click(nodes(name, role).last().extents.center(), 1, button);
+        return true;
+    }
     QStringList shownTexts()
     {
         QStringList texts;
@@ -81,6 +112,18 @@ protected:
     {
         return desktop.home() + QStringLiteral("/config/tovi/") + name;
     }
+    QJsonValue setting(const char *key) const
+    {
+        QFile file(settingsFile(QStringLiteral("defaults.json")));
+        return file.open(QFile::ReadOnly) ? QJsonDocument::fromJson(file.readAll())[QLatin1String(key)]
+                                          : QJsonValue();
+    }
+    bool isStored(const char *key, const QJsonValue &value)
+    {
+        return DesktopSession::eventually([&] { return setting(key) == value; }, patience);
+    }
+
+    static constexpr std::chrono::seconds patience{20};
 
     DesktopSession desktop;
     TraceReader trace;

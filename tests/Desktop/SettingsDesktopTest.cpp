@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
 // The settings and the welcome window, worked by real clicks and keys.
-#include <QFile>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include "Desktop/ProgramFixture.h"
@@ -12,33 +10,6 @@ namespace {
 class SettingsDesktop : public ProgramDesktop
 {
 protected:
-    std::optional<AccessibleTree::Node> find(const QString &role, const QString &name)
-    {
-        std::optional<AccessibleTree::Node> found;
-        DesktopSession::eventually([&] {
-            for (const AccessibleTree::Node &node : AccessibleTree::read(tovi->processId())) {
-                if (node.role == role && node.name == name && !node.extents.isEmpty())
-                    found = node;
-            }
-            return found.has_value();
-        });
-        return found;
-    }
-    bool click(const char *role, const char *name)
-    {
-        const auto node = find(QLatin1String(role), QString::fromUtf8(name));
-        if (node)
-            desktop.click(node->extents.center());
-        return node.has_value();
-    }
-    bool isStored(const char *key, const QJsonValue &value)
-    {
-        return DesktopSession::eventually([&] {
-            QFile file(settingsFile(QStringLiteral("defaults.json")));
-            return file.open(QFile::ReadOnly) &&
-                   QJsonDocument::fromJson(file.readAll()).object().value(QLatin1String(key)) == value;
-        });
-    }
     bool isGone(const QString &title)
     {
         return DesktopSession::eventually([&] {
@@ -59,7 +30,8 @@ TEST_F(SettingsDesktop, PanesAreWorkedByMouseAndKeys)
     ASSERT_TRUE(window);
     EXPECT_EQ(desktop.title(window), QStringLiteral("Tovi Settings"));
 
-    ASSERT_TRUE(click("check box", "Show phonetics and definitions for English words"));
+    ASSERT_TRUE(click(QStringLiteral("Show phonetics and definitions for English words"),
+                      QStringLiteral("check box")));
     EXPECT_TRUE(isStored("enableDictionary", false));
     desktop.pressKey(XK_space);
     EXPECT_TRUE(isStored("enableDictionary", true));
@@ -73,17 +45,17 @@ TEST_F(SettingsDesktop, PanesAreWorkedByMouseAndKeys)
     EXPECT_TRUE(isStored("resultPanelWidth", 300));
     for (int i = 0; i < 7; ++i)
         desktop.pressKey(XK_Tab, {XK_Shift_L});
-    ASSERT_TRUE(click("combo box", "English"));
-    ASSERT_TRUE(click("menu item", "Deutsch"));
+    ASSERT_TRUE(click(QStringLiteral("English"), QStringLiteral("combo box")));
+    ASSERT_TRUE(click(QStringLiteral("Deutsch"), QStringLiteral("menu item")));
     EXPECT_TRUE(isStored("appLanguage", QStringLiteral("de")));
     EXPECT_TRUE(DesktopSession::eventually(
         [&] { return desktop.title(window) == QStringLiteral("Tovi-Einstellungen"); }));
-    EXPECT_TRUE(find(QStringLiteral("label"), QStringLiteral("Zielsprache")));
+    EXPECT_TRUE(has(QStringLiteral("Zielsprache"), QStringLiteral("label")));
 
-    ASSERT_TRUE(click("radio button", "Berechtigungen"));
-    EXPECT_TRUE(find(QStringLiteral("push button"), QStringLiteral("Status aktualisieren")));
+    ASSERT_TRUE(click(QStringLiteral("Berechtigungen"), QStringLiteral("radio button")));
+    EXPECT_TRUE(has(QStringLiteral("Status aktualisieren"), QStringLiteral("push button")));
     desktop.pressKey(XK_Left);
-    EXPECT_TRUE(find(QStringLiteral("push button"), QStringLiteral("Auf Standardwerte zurücksetzen")));
+    EXPECT_TRUE(has(QStringLiteral("Auf Standardwerte zurücksetzen"), QStringLiteral("push button")));
     desktop.pressKey(XK_F4, {XK_Alt_L});
     EXPECT_TRUE(isGone(QStringLiteral("Tovi-Einstellungen")));
     EXPECT_EQ(tovi->state(), QProcess::Running);
@@ -97,7 +69,7 @@ TEST_F(SettingsDesktop, ANewUserIsWelcomedOnce)
     startProgram();
     const QString title = QStringLiteral("Welcome to Tovi");
     ASSERT_TRUE(desktop.waitForWindow(title));
-    ASSERT_TRUE(find(QStringLiteral("push button"), QStringLiteral("Get Started")));
+    ASSERT_TRUE(has(QStringLiteral("Get Started"), QStringLiteral("push button")));
     desktop.pressKey(XK_Return);
     EXPECT_TRUE(isGone(title));
     EXPECT_TRUE(isStored("hasCompletedOnboarding", true));

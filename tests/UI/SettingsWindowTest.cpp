@@ -1,140 +1,19 @@
 // SPDX-License-Identifier: MIT
-#include <QApplication>
-#include <QKeyEvent>
-#include <QLineEdit>
-#include <QListView>
 #include <gtest/gtest.h>
 
 #include "HotKeyStatus.h"
-#include "Localization.h"
 #include "Platform/SystemPreferences.h"
 #include "Settings.h"
-#include "Support/TestPlatform.h"
-#include "UI/Forms/FormButton.h"
-#include "UI/Forms/FormLabel.h"
-#include "UI/Forms/FormSlider.h"
-#include "UI/Forms/Picker.h"
-#include "UI/Forms/SymbolView.h"
 #include "UI/Forms/ToggleSwitch.h"
-#include "UI/OnboardingWindowController.h"
-#include "UI/RegularWindow.h"
 #include "UI/SettingsToolbar.h"
-#include "UI/SettingsView/AboutSettingsView.h"
 #include "UI/SettingsWindowController.h"
+#include "UI/WindowFixture.h"
 
 namespace tovi {
 namespace {
 
 using namespace std::chrono_literals;
 using Policy = Application::ActivationPolicy;
-
-QString t(Str key)
-{
-    return Localization::shared().t(key);
-}
-
-void press(QWidget *widget, Qt::Key key)
-{
-    for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-        QKeyEvent event(type, key, Qt::NoModifier);
-        QApplication::sendEvent(widget, &event);
-    }
-}
-
-class WindowTest : public testing::Test
-{
-protected:
-    virtual RegularWindow *window() = 0;
-
-    /// The visible one with this accessible name.
-    template <class Widget>
-    Widget *find(const QString &name)
-    {
-        for (Widget *widget : window()->findChildren<Widget *>()) {
-            if (widget->isVisible() && (widget->accessibleName() == name))
-                return widget;
-        }
-        return nullptr;
-    }
-    template <class Widget>
-    Widget *find(Str name)
-    {
-        return find<Widget>(t(name));
-    }
-    FormButton *button(Str text)
-    {
-        for (FormButton *button : window()->findChildren<FormButton *>()) {
-            if (button->isVisible() && button->text() == t(text))
-                return button;
-        }
-        return nullptr;
-    }
-    FormButton *rowButton(Str text, Str row)
-    {
-        return find<FormButton>(t(text) + QStringLiteral(": ") + t(row));
-    }
-    QStringList symbols()
-    {
-        QStringList names;
-        for (const SymbolView *view : window()->findChildren<SymbolView *>()) {
-            if (view->isVisible())
-                names << view->symbol();
-        }
-        return names;
-    }
-    qsizetype count(Str text)
-    {
-        drainMainQueue();
-        qsizetype found = 0;
-        for (const FormLabel *label : window()->findChildren<FormLabel *>())
-            found += label->isVisible() && label->text() == t(text);
-        return found;
-    }
-    /// What does not fit into its place.
-    std::string cutOff()
-    {
-        QStringList texts;
-        for (const FormLabel *label : window()->findChildren<FormLabel *>()) {
-            if (!label->isVisible())
-                continue;
-            const int height = label->hasHeightForWidth() ? label->heightForWidth(label->width())
-                                                          : label->sizeHint().height();
-            const int width =
-                label->wordWrap() ? label->minimumSizeHint().width() : label->sizeHint().width();
-            if (label->height() < height || label->width() < width)
-                texts << label->text();
-        }
-        for (const QAbstractButton *button : window()->findChildren<QAbstractButton *>()) {
-            const QRect place(button->mapTo(window(), QPoint()), button->size());
-            if (button->isVisible() && (button->width() < button->minimumSizeHint().width() ||
-                                        place.left() < 0 || place.right() >= window()->width()))
-                texts << button->text();
-        }
-        return texts.join(QLatin1Char('\n')).toStdString();
-    }
-
-    /// What Tab does not come to; of the panes' items only the selected one is to be reached.
-    qsizetype countUnreachable()
-    {
-        QSet<QWidget *> left;
-        for (QWidget *widget : window()->findChildren<QWidget *>()) {
-            const auto *button = qobject_cast<QAbstractButton *>(widget);
-            const bool isControl = button || qobject_cast<Picker *>(widget) ||
-                                   qobject_cast<FormSlider *>(widget) || qobject_cast<QLineEdit *>(widget) ||
-                                   qobject_cast<QListView *>(widget);
-            if (isControl && widget->isVisible() && widget->isEnabled() &&
-                !(button && button->autoExclusive() && !button->isChecked()))
-                left << widget;
-        }
-        for (qsizetype presses = left.size() + 1; presses > 0; --presses) {
-            left.remove(window()->focusWidget());
-            press(window()->focusWidget(), Qt::Key_Tab);
-        }
-        return left.size();
-    }
-
-    TestPlatform platform;
-};
 
 class SettingsWindowTest : public WindowTest
 {
@@ -386,73 +265,6 @@ TEST_F(SettingsWindowTest, NothingIsCutOffInAnyLanguage)
             }
         }
     }
-}
-
-TEST(AboutSettings, VersionsThatAreMissingHaveDefaults)
-{
-    EXPECT_EQ(AboutSettingsView::version(QStringLiteral("1.4.2"), QStringLiteral("37")),
-              QStringLiteral("1.4.2 (37)"));
-    EXPECT_EQ(AboutSettingsView::version({}, {}), QStringLiteral("0.1.0 (1)"));
-}
-
-class OnboardingTest : public WindowTest
-{
-protected:
-    RegularWindow *window() override { return OnboardingWindowController::shared().window(); }
-    bool isCompleted()
-    {
-        return platform.userDefaults().boolean(OnboardingWindowController::completedKey).value_or(false);
-    }
-};
-
-TEST_F(OnboardingTest, EveryWayOutCompletesIt)
-{
-    const std::function<void()> ways[] = {
-        [&] { window()->close(); },
-        [&] { button(Str::onboardingContinue)->click(); },
-        [&] { press(window()->focusWidget(), Qt::Key_Return); },
-    };
-    for (const auto &leave : ways) {
-        platform.userDefaults().values = {};
-        OnboardingWindowController::shared().show();
-        drainMainQueue();
-        auto *first = window();
-        OnboardingWindowController::shared().show();
-        EXPECT_EQ(window(), first);
-        EXPECT_EQ(platform.application().policy, Policy::Regular);
-        EXPECT_FALSE(isCompleted());
-        leave();
-        EXPECT_EQ(window(), nullptr);
-        EXPECT_TRUE(isCompleted());
-        EXPECT_EQ(platform.application().policy, Policy::Accessory);
-        drainMainQueue();
-    }
-}
-
-TEST_F(OnboardingTest, WhatIsGrantedHasNoButtonsInAnyLanguage)
-{
-    platform.screenCapture().allowed = false;
-    platform.accessibility().trusted = false; // the launch has just asked
-    OnboardingWindowController::shared().show();
-    EXPECT_TRUE(rowButton(Str::openSettings, Str::accessibilityPerm));
-    platform.accessibility().trusted = true;
-    platform.clock().advance(1s);
-    for (const AppLanguage language : AppLanguages::all()) {
-        Localization::shared().language = language;
-        drainMainQueue();
-        EXPECT_FALSE(rowButton(Str::openSettings, Str::accessibilityPerm));
-        EXPECT_TRUE(rowButton(Str::openSettings, Str::automationPerm));
-        ASSERT_TRUE(rowButton(Str::request, Str::screenPerm));
-        EXPECT_EQ(cutOff(), "");
-    }
-    rowButton(Str::request, Str::screenPerm)->click();
-    EXPECT_EQ(platform.screenCapture().requests, 1);
-    platform.accessibility().trusted = false;
-    button(Str::refreshStatus)->click();
-    drainMainQueue();
-    EXPECT_TRUE(rowButton(Str::request, Str::accessibilityPerm));
-    EXPECT_EQ(cutOff(), "");
-    EXPECT_EQ(countUnreachable(), 0);
 }
 
 } // namespace

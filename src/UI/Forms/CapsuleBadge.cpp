@@ -33,12 +33,12 @@ QSize CapsuleBadge::sizeOf(const QString &text)
 void CapsuleBadge::paint(QPainter &painter, const QRect &rectangle, const QString &text, const QColor &tint,
                          const QColor &color)
 {
-    QColor ground = tint;
-    ground.setAlphaF(0.15F);
+    QColor background = tint;
+    background.setAlphaF(0.15F);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(ground);
+    painter.setBrush(background);
     const double radius = rectangle.height() / 2.0;
     painter.drawRoundedRect(QRectF(rectangle), radius, radius);
     painter.setPen(color);

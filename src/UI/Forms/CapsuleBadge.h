@@ -13,7 +13,7 @@ class CapsuleBadge final : public QLabel
 public:
     explicit CapsuleBadge(const QString &text, QWidget *parent = nullptr);
 
-    /// The same in any view: its size, and its drawing on a ground with a tint.
+    /// The same in any view: its size, and its drawing on a background with a tint.
     static QSize sizeOf(const QString &text);
     static void paint(QPainter &painter, const QRect &rectangle, const QString &text, const QColor &tint,
                       const QColor &color);

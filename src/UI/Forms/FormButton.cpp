@@ -59,16 +59,16 @@ void FormButton::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const bool isProminent = m_kind == Kind::prominent && isEnabled();
-    QColor ground = FormStyle::controlFill(palette(), isEnabled() && underMouse(), isDown());
+    QColor background = FormStyle::controlFill(palette(), isEnabled() && underMouse(), isDown());
     QColor color = isEnabled() ? SystemColor::label(palette()) : SystemColor::disabledLabel(palette());
     if (isProminent) {
-        ground = SystemColor::accent(palette());
+        background = SystemColor::accent(palette());
         if (isDown() || underMouse())
-            ground = ground.darker(isDown() ? 118 : 107);
+            background = background.darker(isDown() ? 118 : 107);
         color = palette().color(QPalette::Active, QPalette::HighlightedText);
     }
     painter.setPen(Qt::NoPen);
-    painter.setBrush(ground);
+    painter.setBrush(background);
     painter.drawRoundedRect(QRectF(rect()), FormStyle::controlRadius, FormStyle::controlRadius);
     painter.setPen(color);
     painter.setFont(font());
@@ -77,7 +77,7 @@ void FormButton::paintEvent(QPaintEvent *)
         return;
     FormStyle::paintFocusRing(painter, QRectF(rect()), FormStyle::controlRadius, palette());
     if (isProminent) {
-        // The ring's colour is the ground's: a light line inside tells them apart.
+        // The ring's colour is the background's: a light line inside tells them apart.
         painter.setBrush(Qt::NoBrush);
         painter.setPen(QPen(color, 1.5));
         painter.drawRoundedRect(QRectF(rect()).adjusted(2.5, 2.5, -2.5, -2.5), FormStyle::controlRadius - 2,

@@ -7,8 +7,8 @@ namespace tovi {
 
 class KeyboardFocus;
 
-/// A push button with a rounded ground. Space presses it; Return, too, when the keyboard came to it by a key,
-/// and else belongs to the window.
+/// A push button with a rounded background. Space presses it; Return, too, when the keyboard came to it by a
+/// key, and else belongs to the window.
 class FormButton : public QPushButton
 {
     Q_OBJECT

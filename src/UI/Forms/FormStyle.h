@@ -33,7 +33,7 @@ QColor track(const QPalette &palette);
 double hairline(const QWidget &widget);
 /// The rectangle of a group with its thin border.
 void paintGroup(QPainter &painter, const QWidget &widget);
-/// The ground and border of a place for text.
+/// The background and border of a place for text.
 void paintField(QPainter &painter, const QWidget &field, bool hasFocus);
 /// A ring just inside the rectangle: the keyboard is here.
 void paintFocusRing(QPainter &painter, const QRectF &rectangle, double radius, const QPalette &palette);

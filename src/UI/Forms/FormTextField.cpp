@@ -55,7 +55,7 @@ FormTextField::FormTextField(const QString &placeholder, Content content, QWidge
     setFrame(false);
     setTextMargins(textMargin, 0, textMargin, 0);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
-    // The ground is painted below.
+    // The background is painted below.
     QPalette transparent;
     transparent.setColor(QPalette::Base, Qt::transparent);
     setPalette(transparent);

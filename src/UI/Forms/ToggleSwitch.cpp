@@ -50,17 +50,17 @@ void ToggleSwitch::paintEvent(QPaintEvent *)
     if (!isEnabled())
         painter.setOpacity(0.5);
     const double place = knobPlace();
-    const QRectF ground = QRectF(rect()).adjusted(2, 1, -2, -1);
-    const double radius = ground.height() / 2;
+    const QRectF track = QRectF(rect()).adjusted(2, 1, -2, -1);
+    const double radius = track.height() / 2;
     painter.setBrush(FormStyle::track(palette()));
-    painter.drawRoundedRect(ground, radius, radius);
+    painter.drawRoundedRect(track, radius, radius);
     QColor on = SystemColor::accent(palette());
     on.setAlphaF(static_cast<float>(place));
     painter.setBrush(on);
-    painter.drawRoundedRect(ground, radius, radius);
+    painter.drawRoundedRect(track, radius, radius);
 
-    const double side = ground.height() - 3;
-    const QRectF knob(ground.x() + 1.5 + place * (ground.width() - side - 3), ground.y() + 1.5, side, side);
+    const double side = track.height() - 3;
+    const QRectF knob(track.x() + 1.5 + place * (track.width() - side - 3), track.y() + 1.5, side, side);
     painter.setBrush(QColor(0, 0, 0, 40));
     painter.drawEllipse(knob.translated(0, 0.75));
     painter.setBrush(Qt::white);

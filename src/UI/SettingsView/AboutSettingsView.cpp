@@ -39,9 +39,9 @@ AboutSettingsView::AboutSettingsView(QWidget *parent)
     column->addStretch(1);
     column->addWidget(new LogoView(96), 0, Qt::AlignHCenter);
     column->addSpacing(6);
-    column->addWidget(makeLine(FormLabel::Role::title, QStringLiteral("Tovi"), 24, QFont::DemiBold));
-    const QString versionText = version(BundleInformation::shortVersion(), BundleInformation::version());
-    column->addWidget(makeLine(FormLabel::Role::caption, formatted(t(Str::aboutVersionFormat), {versionText}),
+    column->addWidget(makeLine(FormLabel::Role::title, BundleInformation::name(), 24, QFont::DemiBold));
+    column->addWidget(makeLine(FormLabel::Role::caption,
+                               formatted(t(Str::aboutVersionFormat), {BundleInformation::versionText()}),
                                FormStyle::bodySize, QFont::Normal));
     column->addWidget(
         makeLine(FormLabel::Role::caption, t(Str::aboutSubtitle), FormStyle::captionSize, QFont::Normal));
@@ -51,12 +51,6 @@ AboutSettingsView::AboutSettingsView(QWidget *parent)
     connect(updates, &QPushButton::clicked, this, &UpdateWindow::checkForUpdates);
     column->addWidget(updates, 0, Qt::AlignHCenter);
     column->addStretch(1);
-}
-
-QString AboutSettingsView::version(const QString &shortVersion, const QString &build)
-{
-    return (shortVersion.isEmpty() ? QStringLiteral("0.1.0") : shortVersion) + QStringLiteral(" (") +
-           (build.isEmpty() ? QStringLiteral("1") : build) + QLatin1Char(')');
 }
 
 } // namespace tovi

@@ -5,8 +5,6 @@
 
 namespace tovi {
 
-class PermissionRows;
-
 /// What the program may do here, read again whenever the pane comes into view.
 class PermissionSettingsView : public FormView
 {

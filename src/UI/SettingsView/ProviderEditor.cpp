@@ -49,7 +49,7 @@ QString iconDisplayName(const QString &identifier)
                                              : identifier;
 }
 
-/// A text view with the ground of a field.
+/// A text view with the background of a field.
 class TextFrame final : public QWidget
 {
 public:

@@ -45,6 +45,18 @@ LiveDesktop::LiveDesktop()
             qFatal("no window manager");
         usleep(2000);
     }
+    // Under load even then; so until it has taken one.
+    const xcb_window_t probe = xcb_generate_id(session.connection());
+    xcb_create_window(session.connection(), XCB_COPY_FROM_PARENT, probe, session.root(), 0, 0, 10, 10, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    const xcb_atom_t state = session.atom("WM_STATE");
+    const auto isManaged = [&] {
+        return !propertyItems(session.reply(session.requestProperty(probe, state)).get()).isEmpty();
+    };
+    for (int i = 0; i < 1000 && !isManaged(); ++i) {
+        xcb_map_window(session.connection(), probe);
+        usleep(10000);
+    }
 }
 
 LiveDesktop::~LiveDesktop()

@@ -2,7 +2,8 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QListView>
+#include <QListWidget>
+#include <QScrollArea>
 #include <gtest/gtest.h>
 
 #include "HotKeyStatus.h"
@@ -104,11 +105,21 @@ protected:
             if (label->height() < height || label->width() < width)
                 texts << label->text();
         }
-        for (const QAbstractButton *button : window()->findChildren<QAbstractButton *>()) {
-            const QRect place(button->mapTo(window(), QPoint()), button->size());
-            if (button->isVisible() && (button->width() < button->minimumSizeHint().width() ||
-                                        place.left() < 0 || place.right() >= window()->width()))
-                texts << button->text();
+        for (const QWidget *control : window()->findChildren<QWidget *>()) {
+            const auto *button = qobject_cast<const QAbstractButton *>(control);
+            const auto *picker = qobject_cast<const Picker *>(control);
+            if ((!button && !picker && !qobject_cast<const QLineEdit *>(control)) || !control->isVisible())
+                continue;
+            const QRect place(control->mapTo(window(), QPoint()), control->size());
+            if (control->width() < control->minimumSizeHint().width() || place.left() < 0 ||
+                place.right() >= window()->width())
+                texts << (button   ? button->text()
+                          : picker ? picker->shownTitle()
+                                   : control->accessibleName());
+        }
+        for (const QScrollArea *area : window()->findChildren<QScrollArea *>()) {
+            if (area->isVisible() && area->widget() && area->widget()->width() > area->viewport()->width())
+                texts << QStringLiteral("wider than its place");
         }
         return texts.join(QLatin1Char('\n')).toStdString();
     }
@@ -381,8 +392,15 @@ TEST_F(SettingsWindowTest, NothingIsCutOffInAnyLanguage)
              {SettingsWindowController::contentSize, SettingsWindowController::minimumSize}) {
             window()->resize(size);
             for (const SettingsPane pane : SettingsPanes::all()) {
+                SCOPED_TRACE(qPrintable(AppLanguages::rawValue(language) + SettingsPanes::rawValue(pane)));
                 show(pane);
-                EXPECT_EQ(cutOff(), "") << qPrintable(SettingsPanes::rawValue(pane));
+                EXPECT_EQ(cutOff(), "");
+                // The editor of the widest kind.
+                for (auto *list : window()->findChildren<QListWidget *>()) {
+                    list->setCurrentRow(list->count() - 1);
+                    drainMainQueue();
+                    EXPECT_EQ(cutOff(), "");
+                }
             }
         }
     }

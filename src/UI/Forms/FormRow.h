@@ -8,6 +8,7 @@ class QBoxLayout;
 namespace tovi {
 
 class FormLabel;
+class FormLine;
 
 /// One line of a section: a title, optionally a caption under it, and a control at the end.
 class FormRow : public QWidget
@@ -28,8 +29,7 @@ public:
 private:
     FormLabel *m_title;
     FormLabel *m_caption = nullptr;
-    QBoxLayout *m_texts;
-    QBoxLayout *m_line;
+    FormLine *m_line;
     QBoxLayout *m_warnings;
     QStringList m_warningTexts;
 };

@@ -17,6 +17,7 @@
 #include "UI/Forms/Picker.h"
 #include "UI/Forms/SymbolView.h"
 #include "UI/Forms/ToggleSwitch.h"
+#include "UI/MainMenu.h"
 #include "UI/OnboardingWindowController.h"
 #include "UI/RegularWindow.h"
 #include "UI/SettingsToolbar.h"
@@ -379,6 +380,30 @@ TEST_F(SettingsWindowTest, TheKeyboardReachesEverything)
         show(pane);
         EXPECT_EQ(countUnreachable(), 0) << qPrintable(SettingsPanes::rawValue(pane));
     }
+}
+
+TEST_F(SettingsWindowTest, TheKeyboardStaysWithTheEnginesWhenTheEditorChanges)
+{
+    show(SettingsPane::translation);
+    auto *list = window()->findChild<QListWidget *>();
+    list->setCurrentRow(list->count() - 1);
+    drainMainQueue();
+    find<QLineEdit>(Str::model)->setFocus(Qt::MouseFocusReason);
+    find<QAbstractButton>(Str::providerDuplicate)->click();
+    EXPECT_EQ(window()->focusWidget(), list);
+}
+
+TEST_F(SettingsWindowTest, F10OpensTheMenuBar)
+{
+    std::vector<std::unique_ptr<QMenu>> menus;
+    menus.push_back(std::make_unique<QMenu>(QStringLiteral("Tovi")));
+    QMenu *menu = menus.front().get();
+    menu->addAction(QStringLiteral("About"));
+    MainMenu::shared().setMenus(std::move(menus));
+    show();
+    press(find<Picker>(Str::appearance), Qt::Key_F10);
+    EXPECT_EQ(QApplication::activePopupWidget(), menu);
+    menu->close();
 }
 
 TEST_F(SettingsWindowTest, NothingIsCutOffInAnyLanguage)

@@ -10,7 +10,8 @@ namespace tovi {
 class FormLabel;
 class FormLine;
 
-/// One line of a section: a title, optionally a caption under it, and a control at the end.
+/// One line of a section: a title, optionally a caption under it, and a control at the end, or below where
+/// that would squeeze them.
 class FormRow : public QWidget
 {
     Q_OBJECT

@@ -14,6 +14,7 @@
 #include "Platform/Workspace.h"
 #include "UI/Forms/FormButton.h"
 #include "UI/Forms/FormLabel.h"
+#include "UI/Forms/FormLine.h"
 #include "UI/Forms/SymbolView.h"
 
 namespace tovi {
@@ -44,23 +45,22 @@ public:
         line->setContentsMargins(0, 0, 0, 0);
         line->setSpacing(10);
         line->addWidget(m_status, 0, place);
-        auto *texts = new QVBoxLayout;
-        texts->setSpacing(2);
-        texts->addWidget(new FormLabel(FormLabel::Role::strong, t(title)));
-        texts->addWidget(new FormLabel(FormLabel::Role::caption, t(detail)));
-        line->addLayout(texts, 1);
+        auto *rest = new FormLine(place);
+        line->addLayout(rest, 1);
+        rest->addText(new FormLabel(FormLabel::Role::strong, t(title)));
+        rest->addText(new FormLabel(FormLabel::Role::caption, t(detail)));
         // Several buttons have the same text: the name tells whose each is.
         const auto name = [&](Str button) { return t(button) + QStringLiteral(": ") + t(title); };
         if (request) {
             m_request = new FormButton(t(Str::request), FormButton::Kind::small);
             m_request->setAccessibleName(name(Str::request));
             connect(m_request, &QPushButton::clicked, this, request);
-            line->addWidget(m_request, 0, place);
+            rest->addControl(m_request);
         }
         m_open->setAccessibleName(name(Str::openSettings));
         connect(m_open, &QPushButton::clicked, this,
                 [settingsPage] { Platform::current().workspace().open(settingsPage); });
-        line->addWidget(m_open, 0, place);
+        rest->addControl(m_open);
         setAccessibleName(t(title));
     }
 

@@ -8,6 +8,7 @@
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScreen>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -288,6 +289,54 @@ TEST_F(PopupMenuButtonTest, WorksByKeyboard)
     pressKey(*button->menu(), Qt::Key_Escape);
     EXPECT_FALSE(button->menu());
     EXPECT_EQ(chosen.size(), 1U);
+}
+
+TEST(MenuPresenter, TypedLettersChooseTheNextItemThatBeginsWithThem)
+{
+    struct Case
+    {
+        int pause; ///< before the key, in milliseconds
+        const char *key;
+        const char *chosen;
+    };
+    const Case cases[] = {
+        {0, "d", "Deutsch"},       {9, "d", "Disk && Co"}, {9, "d", "Deutsch"},
+        {9000, "D", "Disk && Co"}, {9, "e", "Deutsch"},    {9, "x", "Deutsch"},
+        {9000, "d", "Disk && Co"}, {9, "i", "Disk && Co"}, {9000, "e", "Español 2"},
+        {9000, "D", "Deutsch"},
+    };
+    QWidget window;
+    window.show();
+    auto made = MenuPresenter::makeMenu();
+    for (const char *title : {"Deutsch", "Dutch", "Disk & Co", "Español 2"})
+        made->addAction(MenuPresenter::literalTitle(s(title)))->setEnabled(s(title) != s("Dutch"));
+    const QPointer<QMenu> menu = MenuPresenter::popUp(std::move(made), window, {});
+    quint64 now = 100'000;
+    for (const Case &c : cases) {
+        now += static_cast<quint64>(c.pause);
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, s(c.key));
+        press.setTimestamp(now);
+        QApplication::sendEvent(menu, &press);
+        EXPECT_EQ(menu->activeAction()->text(), s(c.chosen)) << c.key << " at " << now;
+    }
+    menu->close();
+}
+
+TEST(MenuPresenter, ALongMenuStaysOnTheScreen)
+{
+    QWidget window;
+    window.show();
+    const QRect screen = window.screen()->availableGeometry();
+    for (const int rows : {30, 200}) {
+        auto made = MenuPresenter::makeMenu();
+        for (int i = 0; i < rows; ++i)
+            made->addAction(QString::number(i));
+        window.move(screen.center());
+        const QPointer<QMenu> menu = MenuPresenter::popUp(std::move(made), window, {0, 20});
+        EXPECT_TRUE(screen.contains(menu->geometry())) << rows;
+        EXPECT_LT(menu->width(), 200) << "in one column";
+        menu->close();
+    }
 }
 
 TEST_F(PopupMenuButtonTest, WithoutItemsNothingIsCalled)

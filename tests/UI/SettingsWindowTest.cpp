@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
+#include <QListWidget>
 #include <gtest/gtest.h>
 
 #include "HotKeyStatus.h"
 #include "Platform/SystemPreferences.h"
 #include "Settings.h"
 #include "UI/Forms/ToggleSwitch.h"
+#include "UI/MainMenu.h"
 #include "UI/SettingsToolbar.h"
 #include "UI/SettingsWindowController.h"
 #include "UI/WindowFixture.h"
@@ -249,6 +251,30 @@ TEST_F(SettingsWindowTest, TheKeyboardReachesEverything)
     }
 }
 
+TEST_F(SettingsWindowTest, TheKeyboardStaysWithTheEnginesWhenTheEditorChanges)
+{
+    show(SettingsPane::translation);
+    auto *list = window()->findChild<QListWidget *>();
+    list->setCurrentRow(list->count() - 1);
+    drainMainQueue();
+    find<QLineEdit>(Str::model)->setFocus(Qt::MouseFocusReason);
+    find<QAbstractButton>(Str::providerDuplicate)->click();
+    EXPECT_EQ(window()->focusWidget(), list);
+}
+
+TEST_F(SettingsWindowTest, F10OpensTheMenuBar)
+{
+    std::vector<std::unique_ptr<QMenu>> menus;
+    menus.push_back(std::make_unique<QMenu>(QStringLiteral("Tovi")));
+    QMenu *menu = menus.front().get();
+    menu->addAction(QStringLiteral("About"));
+    MainMenu::shared().setMenus(std::move(menus));
+    show();
+    press(find<Picker>(Str::appearance), Qt::Key_F10);
+    EXPECT_EQ(QApplication::activePopupWidget(), menu);
+    menu->close();
+}
+
 TEST_F(SettingsWindowTest, NothingIsCutOffInAnyLanguage)
 {
     platform.accessibility().trusted = false;
@@ -260,8 +286,15 @@ TEST_F(SettingsWindowTest, NothingIsCutOffInAnyLanguage)
              {SettingsWindowController::contentSize, SettingsWindowController::minimumSize}) {
             window()->resize(size);
             for (const SettingsPane pane : SettingsPanes::all()) {
+                SCOPED_TRACE(qPrintable(AppLanguages::rawValue(language) + SettingsPanes::rawValue(pane)));
                 show(pane);
-                EXPECT_EQ(cutOff(), "") << qPrintable(SettingsPanes::rawValue(pane));
+                EXPECT_EQ(cutOff(), "");
+                // The editor of the widest kind.
+                for (auto *list : window()->findChildren<QListWidget *>()) {
+                    list->setCurrentRow(list->count() - 1);
+                    drainMainQueue();
+                    EXPECT_EQ(cutOff(), "");
+                }
             }
         }
     }

@@ -5,6 +5,8 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QPlainTextEdit>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -250,6 +252,27 @@ TEST_F(TranslationSettings, ATestShowsWhatCameOfIt)
     press("Test Connection");
     EXPECT_EQ(outcome(), s("Please fill in a model name"));
     EXPECT_TRUE(shown<FormButton>("Test Connection")->hasFocus());
+}
+
+TEST_F(TranslationSettings, TheOutcomeOfAVisibleTestComesIntoView)
+{
+    Settings::shared().targetLanguage = s("es");
+    view->resize(440, 400); // the message stands below
+    for (const bool isSeen : {true, false}) {
+        select(0);
+        select(2);
+        auto *model = shown<FormTextField>("Model");
+        model->selectAll();
+        model->insert(isSeen ? QString() : s(" ")); // another message has another height
+        QScrollBar *bar = view->findChildren<QScrollArea *>().last()->verticalScrollBar();
+        bar->setValue(isSeen ? bar->maximum() : 0);
+        drainMainQueue();
+        const int before = bar->value();
+        press("Test Connection");
+        EXPECT_EQ(outcome(), s("Please fill in a model name"));
+        EXPECT_EQ(bar->value() > before, isSeen);
+        EXPECT_EQ(bar->value(), isSeen ? bar->maximum() : 0);
+    }
 }
 
 TEST_F(TranslationSettings, APaneMayGoWhileItsTestRuns)

@@ -5,6 +5,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QListView>
+#include <QScrollArea>
 #include <QSet>
 #include <gtest/gtest.h>
 
@@ -96,11 +97,21 @@ protected:
             if (label->height() < height || label->width() < width)
                 texts << label->text();
         }
-        for (const QAbstractButton *button : window()->findChildren<QAbstractButton *>()) {
-            const QRect place(button->mapTo(window(), QPoint()), button->size());
-            if (button->isVisible() && (button->width() < button->minimumSizeHint().width() ||
-                                        place.left() < 0 || place.right() >= window()->width()))
-                texts << button->text();
+        for (const QWidget *control : window()->findChildren<QWidget *>()) {
+            const auto *button = qobject_cast<const QAbstractButton *>(control);
+            const auto *picker = qobject_cast<const Picker *>(control);
+            if ((!button && !picker && !qobject_cast<const QLineEdit *>(control)) || !control->isVisible())
+                continue;
+            const QRect place(control->mapTo(window(), QPoint()), control->size());
+            if (control->width() < control->minimumSizeHint().width() || place.left() < 0 ||
+                place.right() >= window()->width())
+                texts << (button   ? button->text()
+                          : picker ? picker->shownTitle()
+                                   : control->accessibleName());
+        }
+        for (const QScrollArea *area : window()->findChildren<QScrollArea *>()) {
+            if (area->isVisible() && area->widget() && area->widget()->width() > area->viewport()->width())
+                texts << QStringLiteral("wider than its place");
         }
         return texts.join(QLatin1Char('\n')).toStdString();
     }

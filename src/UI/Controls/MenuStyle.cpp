@@ -94,7 +94,8 @@ int MenuStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, const
 int MenuStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
                          QStyleHintReturn *result) const
 {
-    if (hint == SH_Menu_MouseTracking)
+    // A menu that is taller than the screen scrolls; the toolkit's own way are several columns.
+    if (hint == SH_Menu_MouseTracking || hint == SH_Menu_Scrollable)
         return 1;
     return QProxyStyle::styleHint(hint, option, widget, result);
 }

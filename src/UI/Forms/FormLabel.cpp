@@ -71,6 +71,12 @@ void FormLabel::setRole(Role role)
     applyColor();
 }
 
+int FormLabel::naturalWidth() const
+{
+    const QMargins margins = contentsMargins();
+    return fontMetrics().size(0, text()).width() + margins.left() + margins.right() + 1;
+}
+
 void FormLabel::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::PaletteChange)

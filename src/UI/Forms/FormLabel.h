@@ -25,6 +25,8 @@ public:
     explicit FormLabel(Role role, const QString &text = {}, QWidget *parent = nullptr);
 
     void setRole(Role role);
+    /// In one line, as far as the text has none of its own.
+    int naturalWidth() const;
 
 protected:
     void changeEvent(QEvent *event) override;

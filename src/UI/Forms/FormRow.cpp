@@ -4,6 +4,7 @@
 #include <QBoxLayout>
 
 #include "UI/Forms/FormLabel.h"
+#include "UI/Forms/FormLine.h"
 #include "UI/Forms/FormStyle.h"
 #include "UI/Forms/SymbolView.h"
 
@@ -35,12 +36,10 @@ FormRow::FormRow(const QString &title, QWidget *control, QWidget *parent)
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(FormStyle::rowPadding, 6, FormStyle::rowPadding, 6);
     column->setSpacing(4);
-    m_line = new QHBoxLayout;
-    m_line->setSpacing(12);
-    m_texts = new QVBoxLayout;
-    m_texts->setSpacing(2);
-    m_texts->addWidget(m_title);
-    m_line->addLayout(m_texts, 1);
+    m_line = new FormLine;
+    m_line->addText(m_title);
+    if (title.isEmpty())
+        m_title->hide();
     column->addLayout(m_line);
     m_warnings = new QVBoxLayout;
     m_warnings->setSpacing(3);
@@ -57,7 +56,7 @@ void FormRow::setCaption(const QString &text)
 {
     if (!m_caption) {
         m_caption = new FormLabel(FormLabel::Role::caption);
-        m_texts->addWidget(m_caption);
+        m_line->addText(m_caption);
     }
     m_caption->setText(text);
     m_caption->setVisible(!text.isEmpty());
@@ -78,7 +77,7 @@ void FormRow::setWarnings(const QStringList &texts)
 
 void FormRow::addControl(QWidget *control)
 {
-    m_line->addWidget(control, 0, Qt::AlignVCenter);
+    m_line->addControl(control);
 }
 
 } // namespace tovi

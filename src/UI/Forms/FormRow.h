@@ -8,8 +8,10 @@ class QBoxLayout;
 namespace tovi {
 
 class FormLabel;
+class FormLine;
 
-/// One line of a section: a title, optionally a caption under it, and a control at the end.
+/// One line of a section: a title, optionally a caption under it, and a control at the end, or below where
+/// that would squeeze them.
 class FormRow : public QWidget
 {
     Q_OBJECT
@@ -28,8 +30,7 @@ public:
 private:
     FormLabel *m_title;
     FormLabel *m_caption = nullptr;
-    QBoxLayout *m_texts;
-    QBoxLayout *m_line;
+    FormLine *m_line;
     QBoxLayout *m_warnings;
     QStringList m_warningTexts;
 };

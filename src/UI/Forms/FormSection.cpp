@@ -6,6 +6,7 @@
 
 #include "UI/Controls/SystemColor.h"
 #include "UI/Forms/FormLabel.h"
+#include "UI/Forms/FormLine.h"
 #include "UI/Forms/FormRow.h"
 #include "UI/Forms/FormStyle.h"
 
@@ -45,16 +46,13 @@ protected:
     }
 };
 
-/// Lets the text of a row take what its controls leave.
-QWidget *padded(QWidget *widget, QWidget *control)
+/// Gives a row's content the usual room.
+QWidget *padded(QWidget *widget)
 {
     auto *row = new QWidget;
     auto *line = new QHBoxLayout(row);
     line->setContentsMargins(FormStyle::rowPadding, 9, FormStyle::rowPadding, 9);
-    line->setSpacing(12);
     line->addWidget(widget, 1);
-    if (control)
-        line->addWidget(control, 0, Qt::AlignVCenter);
     return row;
 }
 
@@ -87,13 +85,19 @@ FormRow *FormSection::addRow(const QString &title, QWidget *control)
 
 void FormSection::addHint(const QString &text, QWidget *control)
 {
-    m_group->layout()->addWidget(padded(new FormLabel(FormLabel::Role::caption, text), control));
+    auto *hint = new QWidget;
+    auto *line = new FormLine;
+    hint->setLayout(line);
+    line->addText(new FormLabel(FormLabel::Role::caption, text));
+    if (control)
+        line->addControl(control);
+    m_group->layout()->addWidget(padded(hint));
     m_group->show();
 }
 
 void FormSection::addWidget(QWidget *widget)
 {
-    m_group->layout()->addWidget(padded(widget, nullptr));
+    m_group->layout()->addWidget(padded(widget));
     m_group->show();
 }
 

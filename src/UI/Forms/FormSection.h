@@ -17,7 +17,7 @@ public:
     explicit FormSection(const QString &title = {}, QWidget *parent = nullptr);
 
     FormRow *addRow(const QString &title, QWidget *control);
-    /// A row of small secondary text that wraps; a control, if there is one, stands at its end.
+    /// A row of small secondary text that wraps; a control, if there is one, stands at its end or below.
     void addHint(const QString &text, QWidget *control = nullptr);
     /// Any widget as a row, with the usual room around it.
     void addWidget(QWidget *widget);

@@ -2,6 +2,8 @@
 #include "UI/Forms/FormView.h"
 
 #include <QBoxLayout>
+#include <QCoreApplication>
+#include <QEvent>
 #include <QPointer>
 #include <QSignalBlocker>
 
@@ -51,6 +53,17 @@ FormSection *FormView::addSection(const QString &title)
 void FormView::addWidget(QWidget *widget)
 {
     m_column->insertWidget(m_column->count() - 1, widget);
+}
+
+void FormView::reveal(QWidget &widget)
+{
+    // Its new place is known only after the layouts have run, which they do later by themselves.
+    if (widget.layout())
+        widget.layout()->activate();
+    m_column->activate();
+    QEvent request(QEvent::LayoutRequest);
+    QCoreApplication::sendEvent(this, &request);
+    ensureWidgetVisible(&widget, 0, m_column->contentsMargins().bottom());
 }
 
 void FormView::observe(Observable &observed)

@@ -33,6 +33,9 @@ public:
     /// Runs now and after changes.
     void follow(std::function<void()> refresh);
 
+    /// Scrolls to a widget of addWidget() that has just changed its height.
+    void reveal(QWidget &widget);
+
     /// Rows whose control shows a field and writes it through at once.
     FormRow *addToggle(FormSection &section, const QString &title, Published<bool> &field);
     struct Choice

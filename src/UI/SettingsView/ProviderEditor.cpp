@@ -237,7 +237,14 @@ void ProviderEditor::addTest()
     auto *row = new ProviderTestRow;
     addWidget(row);
     connect(row->button(), &QPushButton::clicked, this, [this] { runTest(); });
-    follow([this, row] { row->show(m_test->state); });
+    follow([this, row, last = m_test->state.get()]() mutable {
+        const bool isOutcome =
+            std::exchange(last, m_test->state) != last && last.kind != ProviderTestState::Kind::running;
+        const bool wasSeen = !row->button()->visibleRegion().isEmpty();
+        row->show(last);
+        if (isOutcome && wasSeen)
+            reveal(*row);
+    });
 }
 
 void ProviderEditor::addText(FormSection &section, const QString &title, QString ProviderConfig::*member,

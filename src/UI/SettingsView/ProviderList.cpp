@@ -77,22 +77,30 @@ public:
         const QFont small = FormStyle::font(10);
         const int smallHeight = QFontMetrics(small).height();
         QRect title(room.x(), 0, room.width(), QFontMetrics(font).height());
-        title.moveTop(room.y() + (rowHeight - title.height() - smallHeight) / 2);
+        const QString name = index.data().toString().simplified();
+        const QString subtitle = index.data(subtitleRole).toString().simplified();
+        const int texts = title.height() + (subtitle.isEmpty() ? 0 : smallHeight);
+        title.moveTop(room.y() + (rowHeight - texts) / 2);
         QRect below(room.x(), title.bottom() + 1, room.width(), smallHeight);
-        const QString subtitle = index.data(subtitleRole).toString();
         if (index.data(isDefaultRole).toBool()) {
             QRect place(QPoint(), CapsuleBadge::sizeOf(badge()));
             place.moveCenter(room.center());
             place.moveRight(room.right());
-            title.setRight(place.left() - gap);
-            // In the middle of the row where that cuts nothing off.
-            if (QFontMetrics(small).horizontalAdvance(subtitle) <= title.width())
-                below.setRight(title.right());
-            else
+            // In the middle of the row where that cuts nothing off, else beside the one that has room for it.
+            const int beside = place.left() - gap - room.left();
+            const bool nameFits = QFontMetrics(font).horizontalAdvance(name) <= beside;
+            const bool subtitleFits = QFontMetrics(small).horizontalAdvance(subtitle) <= beside;
+            if (!nameFits && !subtitle.isEmpty())
+                place.moveBottom(option.rect.bottom() - 3);
+            else if (!subtitleFits)
                 place.moveCenter({place.center().x(), title.center().y()});
+            if (nameFits || subtitle.isEmpty())
+                title.setWidth(beside);
+            if (subtitleFits || !nameFits)
+                below.setWidth(beside);
             CapsuleBadge::paint(*painter, place, badge(), color, isSelected ? color : secondary);
         }
-        paintText(*painter, title, font, color, index.data().toString());
+        paintText(*painter, title, font, color, name);
         paintText(*painter, below, small, secondary, subtitle);
         painter->restore();
     }
@@ -118,13 +126,15 @@ private:
         painter.setFont(font);
         painter.setPen(color);
         painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
-                         QFontMetrics(font).elidedText(text.simplified(), Qt::ElideRight, room.width()));
+                         QFontMetrics(font).elidedText(text, Qt::ElideRight, room.width()));
     }
 
     KeyboardFocus *m_focus;
 };
 
 } // namespace
+
+const int ProviderList::roomBesideName = 2 * sidePadding + iconSide + gap + OverlayScrollBar::width + 1;
 
 ProviderList::ProviderList(QWidget *parent)
     : QListWidget(parent)

@@ -19,6 +19,9 @@ class ProviderList final : public QListWidget
 public:
     explicit ProviderList(QWidget *parent = nullptr);
 
+    /// What a row needs more than the width of its name, in points, with the scroll bar's place.
+    static const int roomBesideName;
+
     /// Tells nobody.
     void showProviders(const QList<ProviderConfig> &providers, const QUuid &current,
                        const std::optional<QUuid> &selected);

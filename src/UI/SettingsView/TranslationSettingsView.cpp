@@ -17,7 +17,6 @@
 #include "UI/Controls/IconButton.h"
 #include "UI/Controls/MenuPresenter.h"
 #include "UI/Controls/SystemColor.h"
-#include "UI/Forms/CapsuleBadge.h"
 #include "UI/Forms/FormStyle.h"
 #include "UI/SettingsView/ProviderEditor.h"
 #include "UI/SettingsView/ProviderList.h"
@@ -28,8 +27,7 @@ namespace tovi {
 namespace {
 
 constexpr int sidebarWidth = 190;
-constexpr int widestSidebar = 208;
-constexpr int usualBadge = 56;
+constexpr int widestSidebar = 216;
 constexpr int margin = 8;
 
 QString t(Str key)
@@ -178,9 +176,11 @@ QWidget *TranslationSettingsView::makeSidebar()
     buttons->addStretch(1);
 
     auto *sidebar = new QWidget;
-    // Where the badge has a long word, it should leave some room to the name beside it.
-    const int badge = CapsuleBadge::sizeOf(t(Str::providerDefaultBadge)).width();
-    sidebar->setFixedWidth(std::clamp(sidebarWidth + badge - usualBadge, sidebarWidth, widestSidebar));
+    // Room for the name that new engines have, within limits.
+    const QFontMetrics metrics(FormStyle::font(FormStyle::bodySize));
+    const int name = metrics.horizontalAdvance(ProviderEditor::kindTitle(ProviderKind::openAI));
+    sidebar->setFixedWidth(
+        std::clamp(name + ProviderList::roomBesideName + margin, sidebarWidth, widestSidebar));
     auto *column = new QVBoxLayout(sidebar);
     // The scroll bar's place is part of the margin.
     column->setContentsMargins(margin, margin, 0, margin);
@@ -230,6 +230,9 @@ void TranslationSettingsView::select(const QUuid &id)
         m_selectedProviderID = id;
         if (ProviderEditor *old = std::exchange(m_editor, new ProviderEditor(m_settings, id, m_test))) {
             m_columns->removeWidget(old);
+            // What is hidden hands the keyboard to whatever comes next in the window.
+            if (old->isAncestorOf(window()->focusWidget()))
+                m_list->setFocus(Qt::OtherFocusReason);
             old->hide();
             old->deleteLater();
         }

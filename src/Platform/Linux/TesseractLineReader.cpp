@@ -250,6 +250,36 @@ TesseractReading TesseractLineReader::read(const QString &likely, const QImage &
     return best(readings, clearLead);
 }
 
+TesseractReading TesseractLineReader::readIn(const QString &language, const QImage &line)
+{
+    QList<TesseractReading> readings;
+    if (const auto reading = m_engines.read(language, line))
+        readings << *reading;
+    if (!readings.isEmpty() && hasLatinWords(readings.first()) && m_languages.contains(latin)) {
+        if (const auto reading = m_engines.read(latin, line))
+            readings << *reading;
+    }
+    return best(readings);
+}
+
+QString TesseractLineReader::chineseScript(const QList<QImage> &lines)
+{
+    TesseractReading simplified{.language = simplifiedChinese, .words = {}};
+    TesseractReading traditional{.language = traditionalChinese, .words = {}};
+    for (const QImage &line : lines) {
+        for (TesseractReading *all : {&simplified, &traditional}) {
+            if (const auto reading = m_engines.read(all->language, line))
+                all->words << reading->words;
+        }
+    }
+    return isTraditional(simplified, traditional, traditionalLead) ? traditionalChinese : simplifiedChinese;
+}
+
+bool TesseractLineReader::readsChinese(const TesseractReading &reading)
+{
+    return isChinese(reading.language);
+}
+
 bool isText(const TesseractReading &reading)
 {
     double sum = 0;

@@ -22,6 +22,11 @@ public:
 
     /// Reads a line that is probably in one language; the others are tried where that reads badly.
     TesseractReading read(const QString &likely, const QImage &line);
+    /// Reads a line that is surely in one language, but for words in Latin letters.
+    TesseractReading readIn(const QString &language, const QImage &line);
+    /// The Chinese script that lines of one paragraph are in.
+    QString chineseScript(const QList<QImage> &lines);
+    static bool readsChinese(const TesseractReading &reading);
     /// The best of readings of one line, each by another language; an empty one of none. The first language
     /// is the likely one: others have to be surer by the lead.
     static TesseractReading best(const QList<TesseractReading> &readings, double lead = 0);

@@ -19,7 +19,8 @@ namespace tovi {
 
 namespace {
 
-constexpr int mostThreads = 2; ///< each may want an engine of its own for a language
+constexpr qsizetype witnesses = 4; ///< lines that tell the script of a paragraph
+constexpr int mostThreads = 2;     ///< each may want an engine of its own for a language
 
 /// Our names of languages and those of the library's data.
 QStringList dataNames(const QStringList &languages)
@@ -101,6 +102,7 @@ public:
                 readings[size_t(line)] = m_reader.read(likely, textLinePicture(m_ink, boxes[line]));
         });
         throwIfStopped();
+        agreeOnScripts(boxes, readings);
         QList<RecognizedText> texts;
         for (qsizetype i = 0; i < boxes.size(); ++i) {
             const TesseractReading &reading = readings[size_t(i)];
@@ -133,6 +135,41 @@ private:
         }
         const TesseractReading best = TesseractLineReader::best(readings);
         return best.language.isEmpty() ? readings.first().language : best.language;
+    }
+
+    static bool areOfParagraph(const QRect &line, const QRect &next)
+    {
+        return next.top() > line.top() && next.top() - line.bottom() <= line.height() * 3 / 2 &&
+               next.left() <= line.right() && next.right() >= line.left();
+    }
+
+    /// Single lines may read as well in the other Chinese script, but a paragraph has one.
+    void agreeOnScripts(const QList<QRect> &boxes, std::vector<TesseractReading> &readings)
+    {
+        for (qsizetype begin = 0; begin < boxes.size();) {
+            qsizetype end = begin + 1;
+            while (end < boxes.size() && areOfParagraph(boxes[end - 1], boxes[end]))
+                ++end;
+            QSet<QString> scripts;
+            QList<QImage> lines;
+            for (qsizetype i = begin; i < end; ++i) {
+                if (!TesseractLineReader::readsChinese(readings[size_t(i)]))
+                    continue;
+                scripts << readings[size_t(i)].language;
+                if (lines.size() < witnesses)
+                    lines << textLinePicture(m_ink, boxes[i]);
+            }
+            if (scripts.size() > 1) {
+                const QString script = m_reader.chineseScript(lines);
+                inParallel(m_pool, int(end - begin), [&](int i) {
+                    TesseractReading &reading = readings[size_t(begin + i)];
+                    if (TesseractLineReader::readsChinese(reading) && reading.language != script && !isStopped())
+                        reading = m_reader.readIn(script, textLinePicture(m_ink, boxes[begin + i]));
+                });
+                throwIfStopped();
+            }
+            begin = end;
+        }
     }
 
     bool isStopped() const { return m_stop.stop_requested() || m_end.stop_requested(); }

@@ -262,22 +262,17 @@ TesseractReading TesseractLineReader::readIn(const QString &language, const QIma
     return best(readings);
 }
 
-QString TesseractLineReader::chineseScript(const QList<QImage> &lines)
-{
-    TesseractReading simplified{.language = simplifiedChinese, .words = {}};
-    TesseractReading traditional{.language = traditionalChinese, .words = {}};
-    for (const QImage &line : lines) {
-        for (TesseractReading *all : {&simplified, &traditional}) {
-            if (const auto reading = m_engines.read(all->language, line))
-                all->words << reading->words;
-        }
-    }
-    return isTraditional(simplified, traditional, traditionalLead) ? traditionalChinese : simplifiedChinese;
-}
-
 bool TesseractLineReader::readsChinese(const TesseractReading &reading)
 {
-    return isChinese(reading.language);
+    const QString text = reading.text();
+    return isChinese(reading.language) &&
+           std::count_if(text.begin(), text.end(), isIdeographic) * 2 > text.size();
+}
+
+QString TesseractLineReader::chineseScript(const QList<TesseractReading> &lines)
+{
+    const auto traditional = std::ranges::count(lines, traditionalChinese, &TesseractReading::language);
+    return traditional * 4 >= lines.size() * 3 ? traditionalChinese : simplifiedChinese;
 }
 
 bool isText(const TesseractReading &reading)

@@ -24,9 +24,11 @@ public:
     TesseractReading read(const QString &likely, const QImage &line);
     /// Reads a line that is surely in one language, but for words in Latin letters.
     TesseractReading readIn(const QString &language, const QImage &line);
-    /// The Chinese script that lines of one paragraph are in.
-    QString chineseScript(const QList<QImage> &lines);
+    /// Whether a line is Chinese and little else.
     static bool readsChinese(const TesseractReading &reading);
+    /// The Chinese script of a paragraph of such lines. Lines are taken for Traditional more easily than the
+    /// other way round.
+    static QString chineseScript(const QList<TesseractReading> &lines);
     /// The best of readings of one line, each by another language; an empty one of none. The first language
     /// is the likely one: others have to be surer by the lead.
     static TesseractReading best(const QList<TesseractReading> &readings, double lead = 0);

@@ -19,8 +19,7 @@ namespace tovi {
 
 namespace {
 
-constexpr qsizetype witnesses = 4; ///< lines that tell the script of a paragraph
-constexpr int mostThreads = 2;     ///< each may want an engine of its own for a language
+constexpr int mostThreads = 2; ///< each may want an engine of its own for a language
 
 /// Our names of languages and those of the library's data.
 QStringList dataNames(const QStringList &languages)
@@ -147,28 +146,20 @@ private:
     void agreeOnScripts(const QList<QRect> &boxes, std::vector<TesseractReading> &readings)
     {
         for (qsizetype begin = 0; begin < boxes.size();) {
-            qsizetype end = begin + 1;
-            while (end < boxes.size() && areOfParagraph(boxes[end - 1], boxes[end]))
-                ++end;
-            QSet<QString> scripts;
-            QList<QImage> lines;
-            for (qsizetype i = begin; i < end; ++i) {
-                if (!TesseractLineReader::readsChinese(readings[size_t(i)]))
-                    continue;
-                scripts << readings[size_t(i)].language;
-                if (lines.size() < witnesses)
-                    lines << textLinePicture(m_ink, boxes[i]);
-            }
-            if (scripts.size() > 1) {
-                const QString script = m_reader.chineseScript(lines);
-                inParallel(m_pool, int(end - begin), [&](int i) {
-                    TesseractReading &reading = readings[size_t(begin + i)];
-                    if (TesseractLineReader::readsChinese(reading) && reading.language != script && !isStopped())
-                        reading = m_reader.readIn(script, textLinePicture(m_ink, boxes[begin + i]));
-                });
-                throwIfStopped();
-            }
-            begin = end;
+            QList<TesseractReading> lines;
+            qsizetype end = begin;
+            while (end < boxes.size() && TesseractLineReader::readsChinese(readings[size_t(end)]) &&
+                   (end == begin || areOfParagraph(boxes[end - 1], boxes[end])))
+                lines << readings[size_t(end++)];
+            const QString script = TesseractLineReader::chineseScript(lines);
+            inParallel(m_pool, int(lines.size()), [&](int i) {
+                if (lines[i].language != script && m_languages.contains(script) && !isStopped()) {
+                    readings[size_t(begin + i)] =
+                        m_reader.readIn(script, textLinePicture(m_ink, boxes[begin + i]));
+                }
+            });
+            throwIfStopped();
+            begin = std::max(end, begin + 1);
         }
     }
 

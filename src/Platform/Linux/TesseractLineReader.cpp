@@ -15,6 +15,7 @@ constexpr int longWord = 12;
 constexpr double clearLead = 0.05; ///< before an unlikely language is believed
 /// The data for Traditional Chinese read Simplified too, and sometimes more surely, but write it their way.
 constexpr double traditionalLead = 0.05;
+constexpr qsizetype fewLines = 4;    ///< of a paragraph: they prove little
 constexpr double englishLead = 0.07; ///< what another language's reading of Latin letters has to be surer by
 constexpr int nearby = 4; ///< pixels of a line's picture that readings differ about where a word is
 const QString simplifiedChinese = QStringLiteral("chi_sim");
@@ -272,7 +273,9 @@ bool TesseractLineReader::readsChinese(const TesseractReading &reading)
 QString TesseractLineReader::chineseScript(const QList<TesseractReading> &lines)
 {
     const auto traditional = std::ranges::count(lines, traditionalChinese, &TesseractReading::language);
-    return traditional * 4 >= lines.size() * 3 ? traditionalChinese : simplifiedChinese;
+    const bool isMost =
+        lines.size() < fewLines ? traditional * 4 >= lines.size() * 3 : traditional * 2 > lines.size();
+    return isMost ? traditionalChinese : simplifiedChinese;
 }
 
 bool isText(const TesseractReading &reading)

@@ -301,11 +301,23 @@ QChar wideForm(QChar c)
     return narrow.contains(c) ? QChar(c.unicode() + 0xfee0) : c;
 }
 
+/// A bullet or an icon before a label is read as some sign or letter.
+bool beginsWithOrnament(const TesseractReading &reading)
+{
+    if (reading.words.size() < 2 || reading.words.first().text.size() > 1)
+        return false;
+    const TesseractReading::Word &word = reading.words.first();
+    const QChar c = word.text.front();
+    return !isWide(c) && reading.words[1].hasBlankBefore &&
+           word.confidence < (c.isLetterOrNumber() ? barelyText : sure);
+}
+
 } // namespace
 
 QString tidyText(const TesseractReading &reading)
 {
-    const QString text = reading.text();
+    const QString text =
+        (beginsWithOrnament(reading) ? part(reading, 1, reading.words.size()) : reading).text();
     QString tidy;
     for (qsizetype i = 0; i < text.size(); ++i) {
         const QChar c = text[i];

@@ -43,8 +43,8 @@ private:
 /// Whether it is a reading of text at all, not of an ornament or a photograph.
 bool isText(const TesseractReading &reading);
 
-/// The reading's text as it stood on the screen: without blanks between ideographs, and with the wide
-/// punctuation that the library's data do not know.
+/// The reading's text as it stood on the screen: without a bullet or an icon, and without blanks between
+/// ideographs, and with the wide punctuation that the library's data do not know.
 QString tidyText(const TesseractReading &reading);
 
 } // namespace tovi

@@ -337,12 +337,12 @@ private:
 
 } // namespace
 
-QList<QRect> findTextLines(const QImage &gray, const std::function<bool()> &isStopped)
+QList<QRect> findTextLines(const QImage &ink, const std::function<bool()> &isStopped)
 {
-    if (gray.isNull())
+    if (ink.isNull())
         return {};
-    Q_ASSERT(gray.format() == QImage::Format_Grayscale8);
-    return LineFinder(gray, isStopped).find();
+    Q_ASSERT(ink.format() == QImage::Format_Grayscale8);
+    return LineFinder(ink, isStopped).find();
 }
 
 } // namespace tovi

@@ -215,11 +215,27 @@ private:
         }
     }
 
-    /// The border of a button, a cell or a selection.
+    /// The border of a button, a cell or a selection. Bold text may be as straight, but not without a gap.
     bool isFrame(const Part &part) const
     {
-        return part.box.width() >= narrowestFrame && part.box.height() >= lowestFrame &&
-               isFramed(part, 80, 0);
+        const QRect &box = part.box;
+        if (box.width() < narrowestFrame || box.height() < lowestFrame || !isFramed(part, 80, 50))
+            return false;
+        const auto isLong = [&](int distance) {
+            return longestStroke(box.top() + distance, box) * 10 >= box.width() * 8;
+        };
+        return isLong(0) || isLong(1) || isLong(2);
+    }
+
+    int longestStroke(int y, const QRect &box) const
+    {
+        int longest = 0;
+        int length = 0;
+        for (int x = box.left(); x <= box.right(); ++x) {
+            length = isInk(y * m_width + x) ? length + 1 : 0;
+            longest = std::max(longest, length);
+        }
+        return longest;
     }
 
     static bool isSolid(const Part &part)

@@ -15,6 +15,7 @@ constexpr int longWord = 12;
 constexpr double clearLead = 0.05; ///< before an unlikely language is believed
 /// The data for Traditional Chinese read Simplified too, and sometimes more surely, but write it their way.
 constexpr double traditionalLead = 0.05;
+constexpr qsizetype fewLines = 4;    ///< of a paragraph: they prove little
 constexpr double englishLead = 0.07; ///< what another language's reading of Latin letters has to be surer by
 constexpr int nearby = 4; ///< pixels of a line's picture that readings differ about where a word is
 const QString simplifiedChinese = QStringLiteral("chi_sim");
@@ -250,6 +251,33 @@ TesseractReading TesseractLineReader::read(const QString &likely, const QImage &
     return best(readings, clearLead);
 }
 
+TesseractReading TesseractLineReader::readIn(const QString &language, const QImage &line)
+{
+    QList<TesseractReading> readings;
+    if (const auto reading = m_engines.read(language, line))
+        readings << *reading;
+    if (!readings.isEmpty() && hasLatinWords(readings.first()) && m_languages.contains(latin)) {
+        if (const auto reading = m_engines.read(latin, line))
+            readings << *reading;
+    }
+    return best(readings);
+}
+
+bool TesseractLineReader::readsChinese(const TesseractReading &reading)
+{
+    const QString text = reading.text();
+    return isChinese(reading.language) &&
+           std::count_if(text.begin(), text.end(), isIdeographic) * 2 > text.size();
+}
+
+QString TesseractLineReader::chineseScript(const QList<TesseractReading> &lines)
+{
+    const auto traditional = std::ranges::count(lines, traditionalChinese, &TesseractReading::language);
+    const bool isMost =
+        lines.size() < fewLines ? traditional * 4 >= lines.size() * 3 : traditional * 2 > lines.size();
+    return isMost ? traditionalChinese : simplifiedChinese;
+}
+
 bool isText(const TesseractReading &reading)
 {
     double sum = 0;
@@ -273,11 +301,23 @@ QChar wideForm(QChar c)
     return narrow.contains(c) ? QChar(c.unicode() + 0xfee0) : c;
 }
 
+/// A bullet or an icon before a label is read as some sign or letter.
+bool beginsWithOrnament(const TesseractReading &reading)
+{
+    if (reading.words.size() < 2 || reading.words.first().text.size() > 1)
+        return false;
+    const TesseractReading::Word &word = reading.words.first();
+    const QChar c = word.text.front();
+    return !isWide(c) && reading.words[1].hasBlankBefore &&
+           word.confidence < (c.isLetterOrNumber() ? barelyText : sure);
+}
+
 } // namespace
 
 QString tidyText(const TesseractReading &reading)
 {
-    const QString text = reading.text();
+    const QString text =
+        (beginsWithOrnament(reading) ? part(reading, 1, reading.words.size()) : reading).text();
     QString tidy;
     for (qsizetype i = 0; i < text.size(); ++i) {
         const QChar c = text[i];

@@ -22,6 +22,13 @@ public:
 
     /// Reads a line that is probably in one language; the others are tried where that reads badly.
     TesseractReading read(const QString &likely, const QImage &line);
+    /// Reads a line that is surely in one language, but for words in Latin letters.
+    TesseractReading readIn(const QString &language, const QImage &line);
+    /// Whether a line is Chinese and little else.
+    static bool readsChinese(const TesseractReading &reading);
+    /// The Chinese script of a paragraph of such lines. Lines are taken for Traditional more easily than the
+    /// other way round.
+    static QString chineseScript(const QList<TesseractReading> &lines);
     /// The best of readings of one line, each by another language; an empty one of none. The first language
     /// is the likely one: others have to be surer by the lead.
     static TesseractReading best(const QList<TesseractReading> &readings, double lead = 0);
@@ -36,8 +43,8 @@ private:
 /// Whether it is a reading of text at all, not of an ornament or a photograph.
 bool isText(const TesseractReading &reading);
 
-/// The reading's text as it stood on the screen: without blanks between ideographs, and with the wide
-/// punctuation that the library's data do not know.
+/// The reading's text as it stood on the screen: without a bullet or an icon, and without blanks between
+/// ideographs, and with the wide punctuation that the library's data do not know.
 QString tidyText(const TesseractReading &reading);
 
 } // namespace tovi

@@ -101,6 +101,7 @@ public:
                 readings[size_t(line)] = m_reader.read(likely, textLinePicture(m_ink, boxes[line]));
         });
         throwIfStopped();
+        agreeOnScripts(boxes, readings);
         QList<RecognizedText> texts;
         for (qsizetype i = 0; i < boxes.size(); ++i) {
             const TesseractReading &reading = readings[size_t(i)];
@@ -133,6 +134,33 @@ private:
         }
         const TesseractReading best = TesseractLineReader::best(readings);
         return best.language.isEmpty() ? readings.first().language : best.language;
+    }
+
+    static bool areOfParagraph(const QRect &line, const QRect &next)
+    {
+        return next.top() > line.top() && next.top() - line.bottom() <= line.height() * 3 / 2 &&
+               next.left() <= line.right() && next.right() >= line.left();
+    }
+
+    /// Single lines may read as well in the other Chinese script, but a paragraph has one.
+    void agreeOnScripts(const QList<QRect> &boxes, std::vector<TesseractReading> &readings)
+    {
+        for (qsizetype begin = 0; begin < boxes.size();) {
+            QList<TesseractReading> lines;
+            qsizetype end = begin;
+            while (end < boxes.size() && TesseractLineReader::readsChinese(readings[size_t(end)]) &&
+                   (end == begin || areOfParagraph(boxes[end - 1], boxes[end])))
+                lines << readings[size_t(end++)];
+            const QString script = TesseractLineReader::chineseScript(lines);
+            inParallel(m_pool, int(lines.size()), [&](int i) {
+                if (lines[i].language != script && m_languages.contains(script) && !isStopped()) {
+                    readings[size_t(begin + i)] =
+                        m_reader.readIn(script, textLinePicture(m_ink, boxes[begin + i]));
+                }
+            });
+            throwIfStopped();
+            begin = std::max(end, begin + 1);
+        }
     }
 
     bool isStopped() const { return m_stop.stop_requested() || m_end.stop_requested(); }

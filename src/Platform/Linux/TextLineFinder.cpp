@@ -14,7 +14,7 @@ constexpr qsizetype mostLines = 3000; ///< a large screen full of small text; mo
 constexpr int lowestBlock = 20;       ///< pixels of lines that touch
 constexpr int smallestLine = 5;       ///< pixels of height
 constexpr double gutter = 1.8;        ///< of a line's height: a gap so wide separates columns
-constexpr int mostBlanks = 3;         ///< line heights between words of a line that stands alone
+constexpr double mostBlanks = 2.2;    ///< line heights between words of a line that stands alone
 constexpr int lineOfProse = 7;        ///< line heights: columns of shorter ones are read row by row
 
 struct Span
@@ -337,12 +337,12 @@ private:
 
 } // namespace
 
-QList<QRect> findTextLines(const QImage &gray, const std::function<bool()> &isStopped)
+QList<QRect> findTextLines(const QImage &ink, const std::function<bool()> &isStopped)
 {
-    if (gray.isNull())
+    if (ink.isNull())
         return {};
-    Q_ASSERT(gray.format() == QImage::Format_Grayscale8);
-    return LineFinder(gray, isStopped).find();
+    Q_ASSERT(ink.format() == QImage::Format_Grayscale8);
+    return LineFinder(ink, isStopped).find();
 }
 
 } // namespace tovi

@@ -9,9 +9,9 @@
 
 namespace tovi {
 
-/// Where the lines of text are in a picture of a screen, by its edges alone, so that dark and light parts are
-/// the same to it. In reading order: columns one after the other, each from top to bottom. The boxes hug the
-/// ink. Once stopped, what was found by then. Any thread.
-QList<QRect> findTextLines(const QImage &gray, const std::function<bool()> &isStopped);
+/// Where the lines of text are in the picture of a screen's ink. In reading order: columns of prose one after
+/// the other, each from top to bottom, and the rows of tables and listings across. The boxes hug the ink.
+/// Once stopped, what was found by then. Any thread.
+QList<QRect> findTextLines(const QImage &ink, const std::function<bool()> &isStopped);
 
 } // namespace tovi

@@ -54,9 +54,9 @@ QImage withNarrowGaps(const QImage &line, uchar background, int widestGap)
 
 } // namespace
 
-QImage textLinePicture(const QImage &gray, const QRect &box)
+QImage textLinePicture(const QImage &ink, const QRect &box)
 {
-    QImage line = gray.copy(box.adjusted(-margin, -margin, margin, margin).intersected(gray.rect()));
+    QImage line = ink.copy(box.adjusted(-margin, -margin, margin, margin).intersected(ink.rect()));
     uchar background = median(line);
     if (background < 128) {
         line.invertPixels();

@@ -6,7 +6,8 @@
 
 namespace tovi {
 
-/// A line of a screen's picture as a recogniser likes it: dark on light, enlarged, with a border. Any thread.
-QImage textLinePicture(const QImage &gray, const QRect &box);
+/// A line of a screen's ink as a recogniser likes it: dark on light, enlarged, without wide gaps, with a
+/// border. Any thread.
+QImage textLinePicture(const QImage &ink, const QRect &box);
 
 } // namespace tovi

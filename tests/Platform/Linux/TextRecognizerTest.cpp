@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include <functional>
+
 #include <QPainter>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
@@ -27,12 +29,17 @@ QImage blank(QSize size, QColor color = Qt::white)
     return image;
 }
 
+QFont textFont()
+{
+    QFont font(QStringLiteral("Noto Sans CJK SC"));
+    font.setPixelSize(14);
+    return font;
+}
+
 void write(QImage &image, QPoint position, const QStringList &lines, QColor color = Qt::black)
 {
     QPainter painter(&image);
-    QFont font(QStringLiteral("Noto Sans CJK SC"));
-    font.setPixelSize(14);
-    painter.setFont(font);
+    painter.setFont(textFont());
     painter.setPen(color);
     for (qsizetype i = 0; i < lines.size(); ++i)
         painter.drawText(position + QPoint(0, int(i) * 22), lines[i]);
@@ -132,24 +139,108 @@ TEST_F(TextRecognizerTest, findsNothingWhereNothingIsWritten)
     }
 }
 
+TEST_F(TextRecognizerTest, readsWhatStandsBesideLinesAndOnColours)
+{
+    const QStringList cells{QStringLiteral("City"),     QStringLiteral("Area"), QStringLiteral("People"),
+                            QStringLiteral("Lisbon"),   QStringLiteral("100"),  QStringLiteral("545,000"),
+                            QStringLiteral("Madrid"),   QStringLiteral("604"),  QStringLiteral("3,300,000"),
+                            QStringLiteral("Florence"), QStringLiteral("102"),  QStringLiteral("360,000")};
+    const QStringList prose{QStringLiteral("Some of these words were selected"),
+                            QStringLiteral("by a reader with the mouse"),
+                            QStringLiteral("who then let go of it")};
+    const QString listing = QStringLiteral("drwxr-xr-x  3 anna users   4096 Mar 12 build\n"
+                                           "-rw-r--r--  1 anna users  11342 Feb  3 LICENSE\n"
+                                           "-rw-r--r--  1 anna users    812 Jan 27 Makefile");
+    const auto drawTable = [&](QImage &image, QColor line) {
+        QPainter painter(&image);
+        painter.setPen(line);
+        for (int i = 0; i <= 4; ++i)
+            painter.drawLine(20, 20 + i * 26, 350, 20 + i * 26);
+        for (int i = 0; i <= 3; ++i)
+            painter.drawLine(20 + i * 110, 20, 20 + i * 110, 124);
+        painter.end();
+        for (int i = 0; i < 12; ++i)
+            write(image, {30 + i % 3 * 110, 38 + i / 3 * 26}, {cells[i]});
+    };
+    struct Case
+    {
+        const char *what;
+        std::function<void(QImage &)> draw;
+        QString text;
+    };
+    const Case cases[] = {
+        {"table with a dark grid", [&](QImage &image) { drawTable(image, Qt::black); }, cells.join(u' ')},
+        {"table with a light grid", [&](QImage &image) { drawTable(image, QColor(0xcc, 0xcc, 0xcc)); },
+         cells.join(u' ')},
+        {"table without", [&](QImage &image) { drawTable(image, Qt::white); }, cells.join(u' ')},
+        {"quotation",
+         [&](QImage &image) {
+             QPainter(&image).fillRect(12, 10, 1, 80, Qt::darkGray);
+             write(image, {18, 30}, prose);
+         },
+         prose.join(u' ')},
+        {"selection",
+         [&](QImage &image) {
+             write(image, {20, 30}, prose);
+             QPainter(&image).fillRect(20, 37, 600, 22, QColor(0x33, 0x67, 0xd6));
+             write(image, {20, 52}, prose.mid(1, 1), Qt::white);
+             QPainter painter(&image);
+             painter.setClipRect(62, 15, 70, 22);
+             painter.fillRect(painter.clipBoundingRect(), QColor(0x33, 0x67, 0xd6));
+             painter.setFont(textFont());
+             painter.setPen(Qt::white);
+             painter.drawText(20, 30, prose.first());
+         },
+         prose.join(u' ')},
+        {"gradient",
+         [&](QImage &image) {
+             QLinearGradient colours(0, 0, 720, 0);
+             colours.setColorAt(0, QColor(0xff, 0x66, 0));
+             colours.setColorAt(1, QColor(0, 0x66, 0xff));
+             QPainter(&image).fillRect(image.rect(), colours);
+             write(image, {20, 30}, prose, Qt::white);
+         },
+         prose.join(u' ')},
+        {"terminal",
+         [&](QImage &image) {
+             QPainter painter(&image);
+             QFont font(QStringLiteral("DejaVu Sans Mono"));
+             font.setPixelSize(14);
+             painter.setFont(font);
+             painter.drawText(image.rect().adjusted(12, 12, 0, 0), Qt::AlignLeft, listing);
+         },
+         listing.simplified()},
+    };
+    for (const Case &c : cases) {
+        QImage image = blank({720, 260});
+        c.draw(image);
+        const QString text = read(image).join(u' ');
+        EXPECT_LT(compareReading(c.text, text).rate(), 0.06) << c.what << ": " << qPrintable(text);
+    }
+}
+
 TEST_F(TextRecognizerTest, readsAHugePicture)
 {
-    QImage image = blank({12000, 6000});
-    write(image, {11000, 5900}, {QStringLiteral("far away")});
+    QImage image = blank({3840, 2160});
+    write(image, {3000, 2100}, {QStringLiteral("far away")});
     EXPECT_THAT(read(image), ElementsAre(QStringLiteral("far away")));
 }
 
 TEST_F(TextRecognizerTest, givesUpBetweenLines)
 {
+    // Minutes of work.
+    QImage image = blank({1600, 4000});
+    write(image, {20, 30}, QStringList(180, QString(20, u'x').replace(u'x', QLatin1String("words "))));
     std::stop_source stop;
+    auto future = m_recognizer.recognize({.image = image, .languages = languages, .stop = stop.get_token()});
+    EXPECT_TRUE(waitUntil([&] { return m_recognizer.warmEngines() > 0; }));
     stop.request_stop();
     try {
-        read(makeTextPicture(TextKind::english, 1).image, stop.get_token());
+        await(std::move(future));
         FAIL() << "it was read to the end";
     } catch (const TextRecognitionError &error) {
         EXPECT_EQ(error.reason(), TextRecognitionError::Reason::Abandoned);
     }
-    EXPECT_EQ(m_recognizer.warmEngines(), 0);
 }
 
 TEST_F(TextRecognizerTest, endsEnginesThatNobodyUses)

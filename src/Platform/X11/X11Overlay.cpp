@@ -37,7 +37,11 @@ public:
     }
 
     /// Shown where the content paints nothing.
-    void setPicture(const QImage &picture) { m_picture = picture; }
+    void setPicture(const QImage &picture)
+    {
+        m_picture = picture;
+        update();
+    }
     void present()
     {
         isWanted = true;

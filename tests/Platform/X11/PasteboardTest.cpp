@@ -231,7 +231,9 @@ TEST_F(PasteboardOnX11, LeavesItsContentsToTheClipboardManager)
     manager.reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(connection));
 
     auto ending = std::make_unique<X11Pasteboard>();
+    const qint64 before = ours.changeCount();
     ending->setString(QStringLiteral("kept"));
+    ASSERT_TRUE(waitUntil([&] { return ours.changeCount() != before; })) << "ours knows it owns no more";
     auto ended = QtConcurrent::run([&] { ending.reset(); });
     QString saved;
     ASSERT_TRUE(waitUntil([&] {

@@ -88,6 +88,7 @@ QCoro::Task<> AppDelegate::runCapture(bool preferOCR, std::optional<QPointF> at,
         holder->model->updateOCRProgress(progress);
     };
     auto capture = CaptureManager::shared().capture(preferOCR, at, onProgress, m_recognition.get_token());
+    ResultPanelManager::shared().prepare();
     const auto result = co_await capture;
     if (self && isCurrent(token))
         captureFinished(result, holder->model);

@@ -25,9 +25,9 @@ Workspace &workspace()
     return Platform::current().workspace();
 }
 
-QRectF visibleFrame(QPointF containing)
+QRectF visibleFrame(QPointF containing, const std::optional<Screen> &mainScreen)
 {
-    return PanelPlacement::visibleFrame(containing, workspace().screens(), workspace().mainScreen());
+    return PanelPlacement::visibleFrame(containing, workspace().screens(), mainScreen);
 }
 
 double panelWidth()
@@ -39,18 +39,25 @@ double panelWidth()
 
 ResultPanelController::~ResultPanelController()
 {
-    if (m_panel)
+    if (m_model)
         close();
+}
+
+void ResultPanelController::prepare()
+{
+    if (m_panel)
+        return;
+    auto view = std::make_unique<ResultView>(std::make_shared<ResultViewModel>(CaptureResult{}));
+    m_view = view.get();
+    m_panel = Platform::current().panelHost().makePanel(std::move(view));
 }
 
 void ResultPanelController::show(std::shared_ptr<ResultViewModel> model, std::optional<QRectF> near)
 {
     close();
+    prepare();
     m_model = std::move(model);
-    auto view = std::make_unique<ResultView>(m_model);
-    m_view = view.get();
-    m_panel = Platform::current().panelHost().makePanel(std::move(view));
-    m_panel->setFrame(QRectF(0, 0, panelWidth(), 140));
+    m_view->setModel(m_model);
 
     const auto weak = weak_from_this();
     m_model->onClose = [weak] {
@@ -68,8 +75,9 @@ void ResultPanelController::show(std::shared_ptr<ResultViewModel> model, std::op
     m_panel->onEscape = m_model->onClose;
     enableDragging();
 
-    resize();
-    position(near);
+    const auto mainScreen = workspace().mainScreen();
+    const QSizeF size = wantedSize(mainScreen);
+    m_panel->setFrame(QRectF(origin(near, size, mainScreen), size));
     m_panel->orderFrontRegardless();
     m_panel->makeKey();
     m_view->focusContent();
@@ -99,17 +107,16 @@ void ResultPanelController::enableDragging()
 
 void ResultPanelController::close()
 {
-    auto panel = std::exchange(m_panel, nullptr);
     m_monitorDelay.reset();
     m_outsideMonitor.reset();
     Speech::shared().stop();
-    if (const auto model = std::exchange(m_model, nullptr)) {
-        if (const auto dismissed = std::exchange(model->onDismiss, nullptr))
-            dismissed();
-    }
+    const auto model = std::exchange(m_model, nullptr);
+    if (!model)
+        return; // what is prepared stays
+    auto panel = std::exchange(m_panel, nullptr);
+    if (const auto dismissed = std::exchange(model->onDismiss, nullptr))
+        dismissed();
     m_isPinned = false;
-    if (!panel)
-        return;
     panel->onEscape = nullptr;
     if (m_view) {
         m_view->onPress = nullptr;
@@ -157,38 +164,34 @@ double ResultPanelController::contentHeight(double width) const
     return h + 36;
 }
 
+QSizeF ResultPanelController::wantedSize(const std::optional<Screen> &mainScreen) const
+{
+    const double width = panelWidth();
+    return {width, PanelPlacement::panelHeight(contentHeight(width), mainScreen)};
+}
+
 void ResultPanelController::resize()
 {
-    if (!m_panel || !m_model || !m_view)
+    if (!m_model || !m_view)
         return;
-    const double width = panelWidth();
+    const auto mainScreen = workspace().mainScreen();
     const QRectF old = m_panel->frame();
-    const double height = PanelPlacement::panelHeight(contentHeight(width), workspace().mainScreen());
-    m_panel->setFrame(QRectF(old.x(), old.y() - (height - old.height()), width, height));
-    clampOnScreen();
+    const QSizeF size = wantedSize(mainScreen);
+    QRectF frame(QPointF(old.x(), old.bottom() - size.height()), size);
+    frame.moveTopLeft(PanelPlacement::clampedOrigin(frame, visibleFrame(frame.center(), mainScreen)));
+    m_panel->setFrame(frame);
 }
 
-void ResultPanelController::position(std::optional<QRectF> near)
+QPointF ResultPanelController::origin(const std::optional<QRectF> &near, QSizeF size,
+                                      const std::optional<Screen> &mainScreen) const
 {
-    const QSizeF size = m_panel->frame().size();
     const auto mouse = workspace().mouseLocation();
-    QPointF origin;
     if (Settings::shared().windowPosition.get() == WindowPosition::center || (!near && !mouse)) {
         const QPointF anywhere(-1e9, -1e9);
-        origin = PanelPlacement::originCentered(size, visibleFrame(mouse.value_or(anywhere)));
-    } else {
-        const QRectF anchor = near ? *near : QRectF(mouse->x() - 4, mouse->y() - 4, 8, 8);
-        origin = PanelPlacement::originNear(anchor, size, visibleFrame(anchor.center()));
+        return PanelPlacement::originCentered(size, visibleFrame(mouse.value_or(anywhere), mainScreen));
     }
-    m_panel->setFrame(QRectF(origin, size));
-}
-
-void ResultPanelController::clampOnScreen()
-{
-    const QRectF frame = m_panel->frame();
-    const QPointF origin = PanelPlacement::clampedOrigin(frame, visibleFrame(frame.center()));
-    if (origin != frame.topLeft())
-        m_panel->setFrame(QRectF(origin, frame.size()));
+    const QRectF anchor = near ? *near : QRectF(mouse->x() - 4, mouse->y() - 4, 8, 8);
+    return PanelPlacement::originNear(anchor, size, visibleFrame(anchor.center(), mainScreen));
 }
 
 } // namespace tovi

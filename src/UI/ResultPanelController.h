@@ -11,6 +11,7 @@
 #include "Platform/Clock.h"
 #include "Platform/PanelHost.h"
 #include "Platform/Subscription.h"
+#include "Platform/Workspace.h"
 
 namespace tovi {
 
@@ -24,6 +25,8 @@ class ResultPanelController : public std::enable_shared_from_this<ResultPanelCon
 public:
     ~ResultPanelController();
 
+    /// Builds the window, so that showing it is quick.
+    void prepare();
     /// `near` is the selection on the screen, where known.
     void show(std::shared_ptr<ResultViewModel> model, std::optional<QRectF> near);
     /// Idempotent.
@@ -41,8 +44,9 @@ private:
     void installOutsideMonitor();
     void enableDragging();
     double contentHeight(double width) const;
-    void position(std::optional<QRectF> near);
-    void clampOnScreen();
+    QSizeF wantedSize(const std::optional<Screen> &mainScreen) const;
+    QPointF origin(const std::optional<QRectF> &near, QSizeF size,
+                   const std::optional<Screen> &mainScreen) const;
 
     std::unique_ptr<Panel> m_panel;
     QPointer<ResultView> m_view;

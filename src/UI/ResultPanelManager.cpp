@@ -2,6 +2,7 @@
 #include "UI/ResultPanelManager.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "Platform/Platform.h"
 #include "UI/ResultPanelController.h"
@@ -13,10 +14,19 @@ ResultPanelManager &ResultPanelManager::shared()
     return Platform::current().shared<ResultPanelManager>();
 }
 
+void ResultPanelManager::prepare()
+{
+    if (m_prepared)
+        return;
+    m_prepared = std::make_shared<ResultPanelController>();
+    m_prepared->prepare();
+}
+
 void ResultPanelManager::show(const std::shared_ptr<ResultViewModel> &model, std::optional<QRectF> near)
 {
     closeUnpinned();
-    auto controller = std::make_shared<ResultPanelController>();
+    prepare();
+    const auto controller = std::exchange(m_prepared, nullptr);
     controller->onClosed = [this, weak = std::weak_ptr(controller)] {
         if (const auto closed = weak.lock())
             std::erase(m_panels, closed);

@@ -19,6 +19,8 @@ class ResultPanelManager
 public:
     static ResultPanelManager &shared();
 
+    /// Builds the window of the next panel, while there is nothing else to do.
+    void prepare();
     /// Shows a new panel, closing every unpinned one first. `near`: the selection, in points, origin
     /// bottom-left of the primary screen, y up; none places the panel by the pointer.
     void show(const std::shared_ptr<ResultViewModel> &model, std::optional<QRectF> near);
@@ -26,6 +28,7 @@ public:
 
 private:
     std::vector<std::shared_ptr<ResultPanelController>> m_panels;
+    std::shared_ptr<ResultPanelController> m_prepared;
 };
 
 } // namespace tovi

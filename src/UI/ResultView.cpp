@@ -150,7 +150,6 @@ QFont ResultView::textFont(double pixels)
 }
 
 ResultView::ResultView(std::shared_ptr<ResultViewModel> model)
-    : m_model(std::move(model))
 {
     setAccessibleName(BundleInformation::name());
     m_header = makeHeader();
@@ -165,8 +164,14 @@ ResultView::ResultView(std::shared_ptr<ResultViewModel> model)
     column->addWidget(translation, 1);
     column->addWidget(m_footer);
 
-    m_modelChanges = m_model->onWillChange([this] { scheduleRefresh(); });
     m_languageChanges = Localization::shared().onWillChange([this] { scheduleRefresh(); });
+    setModel(std::move(model));
+}
+
+void ResultView::setModel(std::shared_ptr<ResultViewModel> model)
+{
+    m_model = std::move(model);
+    m_modelChanges = m_model->onWillChange([this] { scheduleRefresh(); });
     refresh();
 }
 
@@ -563,16 +568,23 @@ void ResultView::changeEvent(QEvent *event)
         scheduleRefresh();
 }
 
-void ResultView::paintEvent(QPaintEvent *)
+void ResultView::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF area = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
-    QPainterPath outline;
-    outline.addRoundedRect(area, cornerRadius, cornerRadius);
-    painter.fillPath(outline, SystemColor::isDark(palette()) ? palette().window() : palette().base());
-    painter.setPen(SystemColor::separator(palette()));
-    painter.drawPath(outline);
+    const QBrush background = SystemColor::isDark(palette()) ? palette().window() : palette().base();
+    // The outline is the expensive part, and most paints are a caret's or a spinner's, far from it.
+    constexpr int rim = int(cornerRadius);
+    const QRect inside = rect().adjusted(rim, rim, -rim, -rim);
+    painter.fillRect(inside & event->rect(), background);
+    if (!inside.contains(event->rect())) {
+        painter.setClipRegion(event->region() - inside);
+        painter.setRenderHint(QPainter::Antialiasing);
+        QPainterPath outline;
+        outline.addRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
+        painter.fillPath(outline, background);
+        painter.setPen(SystemColor::separator(palette()));
+        painter.drawPath(outline);
+    }
     if (m_statusView->isVisible())
         tracePaint();
 }

@@ -32,6 +32,8 @@ public:
     static constexpr double cornerRadius = 12; // points
 
     explicit ResultView(std::shared_ptr<ResultViewModel> model);
+    /// Shows another model from now on.
+    void setModel(std::shared_ptr<ResultViewModel> model);
 
     /// Puts the keyboard where the user will type; nowhere, in a panel that nobody types into.
     void focusContent();

@@ -89,6 +89,8 @@ TEST_F(Windows, HideAndComeBack)
     EXPECT_TRUE(waitUntil([&] { return has(otherWindow(), hidden); }));
     EXPECT_FALSE(has(own, hidden));
     EXPECT_TRUE(panel->isVisible());
+    // Its activation, which brings everything back, is not on its way any more.
+    ASSERT_TRUE(waitUntil([&] { return settings.isActiveWindow(); }));
     application.hide();
     EXPECT_TRUE(waitUntil([&] { return has(own, hidden); }));
     EXPECT_FALSE(panel->isVisible());

@@ -43,6 +43,14 @@ EditableTextView::EditableTextView(QWidget *parent)
     });
 }
 
+QString EditableTextView::shown(const QString &text)
+{
+    if (text.size() <= longestText)
+        return text;
+    const bool cutsCharacter = text[longestText - 1].isHighSurrogate();
+    return text.first(longestText - (cutsCharacter ? 1 : 0));
+}
+
 void EditableTextView::setText(const QString &text)
 {
     if (text == m_text)
@@ -50,7 +58,7 @@ void EditableTextView::setText(const QString &text)
     m_text = text;
     m_isShowing = true;
     const bool isCut = text.size() > longestText;
-    setPlainText(isCut ? text.first(longestText) + QChar(0x2026) : text);
+    setPlainText(isCut ? shown(text) + QChar(0x2026) : text);
     setReadOnly(isCut);
     m_isShowing = false;
 }

@@ -14,6 +14,8 @@ public:
     /// Longer texts are shown cut and cannot be edited: a widget that lays out all of a huge text would
     /// stand still.
     static constexpr qsizetype longestText = 200'000; // UTF-16 units
+    /// As much of a text as is shown.
+    static QString shown(const QString &text);
 
     explicit EditableTextView(QWidget *parent = nullptr);
 

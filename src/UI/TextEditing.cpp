@@ -60,7 +60,7 @@ template <class View>
 void insert(View &view, const QString &text)
 {
     // A widget that lays out all of a huge text would stand still.
-    view.insertPlainText(text.left(EditableTextView::longestText));
+    view.insertPlainText(EditableTextView::shown(text));
     view.ensureCursorVisible();
 }
 

@@ -80,9 +80,15 @@ QList<Entry> entriesOf(const QDBusMessage &layout)
         const QDBusArgument item = child.variant().value<QDBusArgument>();
         item.beginStructure();
         item >> id >> properties;
+        // An argument that is left before its end is never freed.
+        item.beginArray();
+        item.endArray();
+        item.endStructure();
         entries.append({id, properties.value(QStringLiteral("label")).toString(),
                         properties.value(QStringLiteral("type")) == QLatin1String("separator")});
     }
+    root.endArray();
+    root.endStructure();
     return entries;
 }
 

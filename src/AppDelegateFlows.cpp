@@ -6,12 +6,14 @@
 #include "Capture/CaptureManager.h"
 #include "Capture/ClipboardCapturer.h"
 #include "Localization.h"
+#include "Localization/RecognitionTexts.h"
 #include "Platform/Accessibility.h"
 #include "Platform/Application.h"
 #include "Platform/Clock.h"
 #include "Platform/PasteboardQueue.h"
 #include "Platform/Platform.h"
 #include "Platform/ScreenCapture.h"
+#include "Platform/TextRecognizer.h"
 #include "Platform/Trace.h"
 #include "Platform/Workspace.h"
 #include "Settings.h"
@@ -33,11 +35,19 @@ QString t(Str key)
     return Localization::shared().t(key);
 }
 
+/// What to say of a picture without a text.
+QString noTextMessage()
+{
+    const bool canRead = Platform::current().textRecognizer().isPresent();
+    return canRead ? t(Str::messageOCRNoText)
+                   : RecognitionTexts::notInstalled(Localization::shared().resolvedLanguage());
+}
+
 /// What to say when OCR ended without a text.
 QString noOCRTextMessage()
 {
     const bool mayRecord = Platform::current().screenCapture().preflightAccess();
-    return t(mayRecord ? Str::messageOCRNoText : Str::messageScreenPermission);
+    return mayRecord ? noTextMessage() : t(Str::messageScreenPermission);
 }
 
 void resizePanel(const ResultViewModel &model)
@@ -189,7 +199,7 @@ QCoro::Task<> AppDelegate::performRegionOCR(QRectF rect, qint64 token, std::opti
         translate(result.text, model, Settings::shared().currentProviderID);
         break;
     case OCRResult::Kind::noText:
-        model->finishOCR(std::nullopt, t(Str::messageOCRNoText));
+        model->finishOCR(std::nullopt, noTextMessage());
         break;
     case OCRResult::Kind::permissionDenied:
         model->finishOCR(std::nullopt, noOCRTextMessage());

@@ -8,6 +8,7 @@
 
 #include "AppDelegate.h"
 #include "Localization.h"
+#include "Localization/RecognitionTexts.h"
 #include "Settings.h"
 #include "Support/Await.h"
 #include "Support/TestPlatform.h"
@@ -134,6 +135,14 @@ TEST_F(OCRFlows, SayWhyThereIsNoText)
         finishReading();
         EXPECT_TRUE(shows(allowed ? Str::messageOCRNoText : Str::messageScreenPermission));
     }
+    platform.screenCapture().allowed = true;
+    recognizer.error =
+        TextRecognitionError(QStringLiteral("none"), TextRecognitionError::Reason::NotInstalled);
+    ASSERT_TRUE(pressOCR());
+    drag();
+    ASSERT_TRUE(isReading(3));
+    finishReading();
+    EXPECT_TRUE(shows(RecognitionTexts::notInstalled(AppLanguage::en)));
 }
 
 TEST_F(OCRFlows, ClosingTheProgressPanelAbandons)

@@ -26,6 +26,11 @@ public:
         return future;
     }
 
+    bool isPresent() const override
+    {
+        return !error || error->reason() != TextRecognitionError::Reason::NotInstalled;
+    }
+
     /// Answers whatever is held back, in the order of the requests.
     void finish()
     {

@@ -245,12 +245,20 @@ QFuture<QList<RecognizedText>> TesseractRecognizer::recognize(TextRecognitionReq
     };
     m_pool.start([this, promise, cleanLater, end = m_end.get_token(), request = std::move(request)] {
         auto work = [&] {
-            TesseractEngines *engines = m_shared->engines();
-            if (!engines) {
-                throw TextRecognitionError(QStringLiteral("libtesseract is not installed"),
-                                           TextRecognitionError::Reason::NotInstalled);
+            try {
+                TesseractEngines *engines = m_shared->engines();
+                if (!engines) {
+                    throw TextRecognitionError(QStringLiteral("libtesseract is not installed"),
+                                               TextRecognitionError::Reason::NotInstalled);
+                }
+                auto texts = Recognition(*engines, m_pool, request, end).run();
+                m_isPresent = true;
+                return texts;
+            } catch (const TextRecognitionError &error) {
+                if (error.reason() == TextRecognitionError::Reason::NotInstalled)
+                    m_isPresent = false;
+                throw;
             }
-            return Recognition(*engines, m_pool, request, end).run();
         };
         detail::fulfil(*promise, work);
         asyncOnMain(cleanLater);

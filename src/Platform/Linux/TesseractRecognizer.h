@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <atomic>
 #include <memory>
 
 #include <QThreadPool>
@@ -29,6 +30,7 @@ public:
     ~TesseractRecognizer() override;
 
     QFuture<QList<RecognizedText>> recognize(TextRecognitionRequest request) override;
+    bool isPresent() const override { return m_isPresent; }
 
     /// Engines that rest, for tests and measurements. Any thread.
     int warmEngines() const;
@@ -38,6 +40,7 @@ private:
     std::shared_ptr<Shared> m_shared;
     QThreadPool m_pool;
     std::stop_source m_end;
+    std::atomic<bool> m_isPresent = true;
 };
 
 } // namespace tovi

@@ -7,15 +7,13 @@ namespace tovi {
 
 namespace {
 
-constexpr double sure = 0.85;            ///< a reading that needs no second one
-constexpr double surelyOneScript = 0.93; ///< the same, where another script reads the line nearly as well
-constexpr double plausible = 0.6;        ///< below it a line is in quite another language
-constexpr double barelyText = 0.5;       ///< below it a line is an ornament or a photograph
+constexpr double sure = 0.85;      ///< a reading that needs no second one
+constexpr double plausible = 0.6;  ///< below it a line is in quite another language
+constexpr double barelyText = 0.5; ///< below it a line is an ornament or a photograph
 constexpr int longWord = 12;
 constexpr double clearLead = 0.05; ///< before an unlikely language is believed
 /// The data for Traditional Chinese read Simplified too, and sometimes more surely, but write it their way.
-constexpr double traditionalLead = 0.05;
-constexpr qsizetype fewLines = 4;    ///< of a paragraph: they prove little
+constexpr double leadOfTraditional = 0.05;
 constexpr double englishLead = 0.07; ///< what another language's reading of Latin letters has to be surer by
 constexpr int nearby = 4; ///< pixels of a line's picture that readings differ about where a word is
 const QString simplifiedChinese = QStringLiteral("chi_sim");
@@ -94,11 +92,6 @@ double confidenceOfOwn(const TesseractReading &reading, const TesseractReading &
         count += own;
     }
     return count ? sum / double(count) : 1;
-}
-
-bool isTraditional(const TesseractReading &simplified, const TesseractReading &traditional, double lead)
-{
-    return confidenceOfOwn(traditional, simplified) - confidenceOfOwn(simplified, traditional) > lead;
 }
 
 bool hasLatinWords(const TesseractReading &reading)
@@ -180,11 +173,11 @@ TesseractReading TesseractLineReader::best(const QList<TesseractReading> &readin
     QString otherScript;
     if (simplified != none && traditional != none) {
         const QString likely = readings.first().language;
-        double toBeat = traditionalLead + (likely == simplifiedChinese ? lead : 0);
+        double toBeat = leadOfTraditional + (likely == simplifiedChinese ? lead : 0);
         if (likely == traditionalChinese && lead > 0)
             toBeat = 0;
         otherScript =
-            isTraditional(*simplified, *traditional, toBeat) ? simplifiedChinese : traditionalChinese;
+            traditionalLead(*simplified, *traditional) > toBeat ? simplifiedChinese : traditionalChinese;
     }
     TesseractReading best;
     double bestScore = 0;
@@ -212,8 +205,6 @@ bool TesseractLineReader::isSure(const TesseractReading &reading)
 {
     const double confidence = scriptConfidence(reading);
     const QString text = reading.text();
-    if (isChinese(reading.language))
-        return confidence >= surelyOneScript;
     // Ideographs alone are as likely Chinese, and kana or syllables are nothing else.
     if (reading.language == japanese)
         return hasAny(text, isKana) ? confidence >= plausible : confidence >= sure && !hasAny(text, isWide);
@@ -270,12 +261,10 @@ bool TesseractLineReader::readsChinese(const TesseractReading &reading)
            std::count_if(text.begin(), text.end(), isIdeographic) * 2 > text.size();
 }
 
-QString TesseractLineReader::chineseScript(const QList<TesseractReading> &lines)
+double TesseractLineReader::traditionalLead(const TesseractReading &simplified,
+                                            const TesseractReading &traditional)
 {
-    const auto traditional = std::ranges::count(lines, traditionalChinese, &TesseractReading::language);
-    const bool isMost =
-        lines.size() < fewLines ? traditional * 4 >= lines.size() * 3 : traditional * 2 > lines.size();
-    return isMost ? traditionalChinese : simplifiedChinese;
+    return confidenceOfOwn(traditional, simplified) - confidenceOfOwn(simplified, traditional);
 }
 
 bool isText(const TesseractReading &reading)

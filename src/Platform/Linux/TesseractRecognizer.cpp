@@ -4,11 +4,13 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cmath>
 #include <exception>
 #include <latch>
 #include <mutex>
 
 #include "Platform/DispatchQueue.h"
+#include "Platform/Linux/ChineseScript.h"
 #include "Platform/Linux/InkPicture.h"
 #include "Platform/Linux/TesseractEngines.h"
 #include "Platform/Linux/TesseractLineReader.h"
@@ -19,7 +21,11 @@ namespace tovi {
 
 namespace {
 
-constexpr int mostThreads = 2; ///< each may want an engine of its own for a language
+constexpr int mostThreads = 2;       ///< each may want an engine of its own for a language
+constexpr double doubtfulLook = 0.4; ///< of a paragraph's script
+constexpr double clearLook = 1;      ///< of a line's script: its paragraph may be in another one
+const QString simplifiedChinese = QStringLiteral("chi_sim");
+const QString traditionalChinese = QStringLiteral("chi_tra");
 
 /// Our names of languages and those of the library's data.
 QStringList dataNames(const QStringList &languages)
@@ -142,25 +148,65 @@ private:
                next.left() <= line.right() && next.right() >= line.left();
     }
 
-    /// Single lines may read as well in the other Chinese script, but a paragraph has one.
+    static QString otherScript(const QString &script)
+    {
+        return script == simplifiedChinese ? traditionalChinese : simplifiedChinese;
+    }
+
+    /// The data for one Chinese script read the other, too, so that the ink tells which one it is. Lines with
+    /// few letters that tell are written as the rest of their paragraph.
     void agreeOnScripts(const QList<QRect> &boxes, std::vector<TesseractReading> &readings)
     {
+        if (!m_languages.contains(simplifiedChinese) || !m_languages.contains(traditionalChinese))
+            return;
+        std::vector<double> looks(readings.size());
+        inParallel(m_pool, int(boxes.size()), [&](int i) {
+            const TesseractReading &reading = readings[size_t(i)];
+            if (TesseractLineReader::readsChinese(reading) && !isStopped())
+                looks[size_t(i)] = traditionalLook(reading, textLinePicture(m_ink, boxes[i]));
+        });
         for (qsizetype begin = 0; begin < boxes.size();) {
-            QList<TesseractReading> lines;
             qsizetype end = begin;
+            double look = 0;
             while (end < boxes.size() && TesseractLineReader::readsChinese(readings[size_t(end)]) &&
                    (end == begin || areOfParagraph(boxes[end - 1], boxes[end])))
-                lines << readings[size_t(end++)];
-            const QString script = TesseractLineReader::chineseScript(lines);
-            inParallel(m_pool, int(lines.size()), [&](int i) {
-                if (lines[i].language != script && m_languages.contains(script) && !isStopped()) {
-                    readings[size_t(begin + i)] =
-                        m_reader.readIn(script, textLinePicture(m_ink, boxes[begin + i]));
-                }
-            });
-            throwIfStopped();
+                look += looks[size_t(end++)];
+            agreeOnScript(begin, end, look, boxes, readings, looks);
             begin = std::max(end, begin + 1);
         }
+        throwIfStopped();
+    }
+
+    void agreeOnScript(qsizetype begin, qsizetype end, double look, const QList<QRect> &boxes,
+                       std::vector<TesseractReading> &readings, const std::vector<double> &looks)
+    {
+        std::vector<TesseractReading> others(size_t(end - begin));
+        const auto readOther = [&](int i) {
+            const QString script = otherScript(readings[size_t(begin + i)].language);
+            if (others[size_t(i)].language.isEmpty() && !isStopped())
+                others[size_t(i)] = m_reader.readIn(script, textLinePicture(m_ink, boxes[begin + i]));
+        };
+        if (std::abs(look) < doubtfulLook && end > begin) {
+            inParallel(m_pool, int(end - begin), readOther);
+            for (qsizetype i = begin; i < end; ++i) {
+                const TesseractReading &own = readings[size_t(i)];
+                const TesseractReading &other = others[size_t(i - begin)];
+                look +=
+                    traditionalLook(other, textLinePicture(m_ink, boxes[i])) +
+                    (own.language == simplifiedChinese ? TesseractLineReader::traditionalLead(own, other)
+                                                       : TesseractLineReader::traditionalLead(other, own));
+            }
+        }
+        inParallel(m_pool, int(end - begin), [&](int i) {
+            TesseractReading &own = readings[size_t(begin + i)];
+            const double ownLook = looks[size_t(begin + i)];
+            const bool isTraditional = (std::abs(ownLook) >= clearLook ? ownLook : look) > 0;
+            if (own.language == (isTraditional ? traditionalChinese : simplifiedChinese))
+                return;
+            readOther(i);
+            if (!others[size_t(i)].words.isEmpty())
+                own = others[size_t(i)];
+        });
     }
 
     bool isStopped() const { return m_stop.stop_requested() || m_end.stop_requested(); }

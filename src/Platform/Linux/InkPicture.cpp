@@ -141,8 +141,9 @@ private:
         if (width < narrowestBlock || height < lowestBlock)
             return false;
         const qsizetype full = qsizetype(width) * height;
+        // Letters may touch the ends of a selection.
         return (width * 2 >= height * 3 ? area * 3 >= full : area * 20 >= full * 11) &&
-               isFramed(part, 80, 50);
+               isFramed(part, 80, width >= height * 2 ? 25 : 50);
     }
 
     /// Whether it is straight on all sides, each by so many of 100 pixels.

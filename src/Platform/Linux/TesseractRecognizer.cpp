@@ -8,6 +8,9 @@
 #include <exception>
 #include <latch>
 #include <mutex>
+#include <optional>
+#include <span>
+#include <vector>
 
 #include "Platform/DispatchQueue.h"
 #include "Platform/Linux/ChineseScript.h"
@@ -91,38 +94,76 @@ public:
 
     QList<RecognizedText> run()
     {
-        const QList<QRect> boxes = findTextLines(m_ink, [this] { return isStopped(); });
+        const QList<TextLine> lines = findTextLines(m_ink, [this] { return isStopped(); });
         throwIfStopped();
-        if (boxes.isEmpty())
+        for (int i = 0; i < int(lines.size()); ++i) {
+            for (const QRect &cell : lines[i])
+                m_pieces.push_back({.line = i, .box = cell});
+        }
+        if (m_pieces.empty())
             return {};
-        std::vector<TesseractReading> readings(size_t(boxes.size()));
-        const auto widest = std::max_element(
-            boxes.begin(), boxes.end(), [](const QRect &a, const QRect &b) { return a.width() < b.width(); });
-        const qsizetype first = widest - boxes.begin();
-        const QString likely = likelyLanguage(*widest);
-        inParallel(m_pool, int(boxes.size()), [&](int i) {
+        const auto widest =
+            std::ranges::max_element(m_pieces, {}, [](const Piece &p) { return p.box.width(); });
+        const int first = int(widest - m_pieces.begin());
+        const QString likely = likelyLanguage(picture(*widest));
+        inParallel(m_pool, int(m_pieces.size()), [&](int i) {
             // The widest first: the threads end together when the longest work comes first.
-            const qsizetype line = i == 0 ? first : (i <= first ? i - 1 : i);
+            Piece &piece = m_pieces[size_t(i == 0 ? first : (i <= first ? i - 1 : i))];
             if (!isStopped())
-                readings[size_t(line)] = m_reader.read(likely, textLinePicture(m_ink, boxes[line]));
+                piece.reading = m_reader.read(likely, picture(piece));
         });
         throwIfStopped();
-        agreeOnScripts(boxes, readings);
+        agreeOnScripts();
         QList<RecognizedText> texts;
-        for (qsizetype i = 0; i < boxes.size(); ++i) {
-            const TesseractReading &reading = readings[size_t(i)];
-            const QString text = tidyText(reading);
-            if (isText(reading))
-                texts << RecognizedText{.text = text, .confidence = reading.confidence(), .box = boxes[i]};
+        for (size_t begin = 0; begin < m_pieces.size();) {
+            const size_t end = endOfLine(begin);
+            if (const auto text = textOf(std::span(m_pieces).subspan(begin, end - begin)))
+                texts << *text;
+            begin = end;
         }
         return texts;
     }
 
 private:
-    /// Of the whole picture, as its widest line shows it.
-    QString likelyLanguage(const QRect &box)
+    /// A cell of a line, or all of it.
+    struct Piece
     {
-        const QImage line = textLinePicture(m_ink, box);
+        int line = 0;
+        QRect box;
+        TesseractReading reading = {};
+        double look = 0; ///< of a Chinese script
+    };
+
+    QImage picture(const Piece &piece) const { return textLinePicture(m_ink, piece.box); }
+
+    size_t endOfLine(size_t begin) const
+    {
+        size_t end = begin;
+        while (end < m_pieces.size() && m_pieces[end].line == m_pieces[begin].line)
+            ++end;
+        return end;
+    }
+
+    /// None where nothing is text.
+    static std::optional<RecognizedText> textOf(std::span<const Piece> line)
+    {
+        RecognizedText found;
+        double sum = 0;
+        for (const Piece &piece : line) {
+            if (!isText(piece.reading))
+                continue;
+            const QString text = tidyText(piece.reading);
+            sum += piece.reading.confidence() * double(text.size());
+            found.text += (found.text.isEmpty() ? QString() : QStringLiteral(" ")) + text;
+            found.box |= piece.box;
+            found.confidence = sum / double(found.text.size());
+        }
+        return found.text.isEmpty() ? std::nullopt : std::optional(found);
+    }
+
+    /// Of the whole picture, as its widest piece shows it.
+    QString likelyLanguage(const QImage &line)
+    {
         std::vector<std::optional<TesseractReading>> found(size_t(m_languages.size()));
         inParallel(m_pool, int(m_languages.size()), [&](int i) {
             if (!isStopped())
@@ -142,70 +183,73 @@ private:
         return best.language.isEmpty() ? readings.first().language : best.language;
     }
 
-    static bool areOfParagraph(const QRect &line, const QRect &next)
+    static bool areOfParagraph(const Piece &piece, const Piece &next)
     {
-        return next.top() > line.top() && next.top() - line.bottom() <= line.height() * 3 / 2 &&
-               next.left() <= line.right() && next.right() >= line.left();
+        if (next.line == piece.line)
+            return true;
+        const QRect &box = piece.box;
+        return next.line == piece.line + 1 && next.box.top() > box.top() &&
+               next.box.top() - box.bottom() <= box.height() * 3 / 2;
     }
 
-    static QString otherScript(const QString &script)
-    {
-        return script == simplifiedChinese ? traditionalChinese : simplifiedChinese;
-    }
-
-    /// The data for one Chinese script read the other, too, so that the ink tells which one it is. Lines with
-    /// few letters that tell are written as the rest of their paragraph.
-    void agreeOnScripts(const QList<QRect> &boxes, std::vector<TesseractReading> &readings)
+    /// The data for one Chinese script read the other, too, so that the ink tells which one it is. Pieces
+    /// with few letters that tell are written as the rest of their paragraph.
+    void agreeOnScripts()
     {
         if (!m_languages.contains(simplifiedChinese) || !m_languages.contains(traditionalChinese))
             return;
-        std::vector<double> looks(readings.size());
-        inParallel(m_pool, int(boxes.size()), [&](int i) {
-            const TesseractReading &reading = readings[size_t(i)];
-            if (TesseractLineReader::readsChinese(reading) && !isStopped())
-                looks[size_t(i)] = traditionalLook(reading, textLinePicture(m_ink, boxes[i]));
+        std::vector<Piece *> chinese;
+        for (Piece &piece : m_pieces) {
+            if (TesseractLineReader::readsChinese(piece.reading))
+                chinese.push_back(&piece);
+        }
+        inParallel(m_pool, int(chinese.size()), [&](int i) {
+            Piece &piece = *chinese[size_t(i)];
+            if (!isStopped())
+                piece.look = traditionalLook(piece.reading, picture(piece));
         });
-        for (qsizetype begin = 0; begin < boxes.size();) {
-            qsizetype end = begin;
-            double look = 0;
-            while (end < boxes.size() && TesseractLineReader::readsChinese(readings[size_t(end)]) &&
-                   (end == begin || areOfParagraph(boxes[end - 1], boxes[end])))
-                look += looks[size_t(end++)];
-            agreeOnScript(begin, end, look, boxes, readings, looks);
-            begin = std::max(end, begin + 1);
+        for (auto begin = chinese.begin(); begin != chinese.end();) {
+            auto end = begin + 1;
+            while (end != chinese.end() && areOfParagraph(**(end - 1), **end))
+                ++end;
+            agreeOnScript({begin, end});
+            begin = end;
         }
         throwIfStopped();
     }
 
-    void agreeOnScript(qsizetype begin, qsizetype end, double look, const QList<QRect> &boxes,
-                       std::vector<TesseractReading> &readings, const std::vector<double> &looks)
+    void agreeOnScript(std::span<Piece *const> paragraph)
     {
-        std::vector<TesseractReading> others(size_t(end - begin));
-        const auto readOther = [&](int i) {
-            const QString script = otherScript(readings[size_t(begin + i)].language);
-            if (others[size_t(i)].language.isEmpty() && !isStopped())
-                others[size_t(i)] = m_reader.readIn(script, textLinePicture(m_ink, boxes[begin + i]));
+        std::vector<TesseractReading> others(paragraph.size());
+        const auto readOther = [&](size_t i) {
+            const QString &script = paragraph[i]->reading.language;
+            if (others[i].language.isEmpty() && !isStopped()) {
+                others[i] =
+                    m_reader.readIn(script == simplifiedChinese ? traditionalChinese : simplifiedChinese,
+                                    picture(*paragraph[i]));
+            }
         };
-        if (std::abs(look) < doubtfulLook && end > begin) {
-            inParallel(m_pool, int(end - begin), readOther);
-            for (qsizetype i = begin; i < end; ++i) {
-                const TesseractReading &own = readings[size_t(i)];
-                const TesseractReading &other = others[size_t(i - begin)];
-                look +=
-                    traditionalLook(other, textLinePicture(m_ink, boxes[i])) +
-                    (own.language == simplifiedChinese ? TesseractLineReader::traditionalLead(own, other)
-                                                       : TesseractLineReader::traditionalLead(other, own));
+        double look = 0;
+        for (const Piece *piece : paragraph)
+            look += piece->look;
+        if (std::abs(look) < doubtfulLook) {
+            inParallel(m_pool, int(paragraph.size()), [&](int i) { readOther(size_t(i)); });
+            for (size_t i = 0; i < paragraph.size(); ++i) {
+                const TesseractReading &own = paragraph[i]->reading;
+                const bool isSimplified = own.language == simplifiedChinese;
+                look += traditionalLook(others[i], picture(*paragraph[i])) +
+                        TesseractLineReader::traditionalLead(isSimplified ? own : others[i],
+                                                             isSimplified ? others[i] : own);
             }
         }
-        inParallel(m_pool, int(end - begin), [&](int i) {
-            TesseractReading &own = readings[size_t(begin + i)];
-            const double ownLook = looks[size_t(begin + i)];
-            const bool isTraditional = (std::abs(ownLook) >= clearLook ? ownLook : look) > 0;
-            if (own.language == (isTraditional ? traditionalChinese : simplifiedChinese))
+        inParallel(m_pool, int(paragraph.size()), [&](int i) {
+            Piece &piece = *paragraph[size_t(i)];
+            const bool isTraditional = (std::abs(piece.look) >= clearLook ? piece.look : look) > 0;
+            if (piece.reading.language == (isTraditional ? traditionalChinese : simplifiedChinese))
                 return;
-            readOther(i);
+            readOther(size_t(i));
             if (!others[size_t(i)].words.isEmpty())
-                own = others[size_t(i)];
+                piece.reading = others[size_t(i)];
         });
     }
 
@@ -221,6 +265,7 @@ private:
     const QStringList m_languages;
     TesseractLineReader m_reader;
     const QImage m_ink;
+    std::vector<Piece> m_pieces;
     const std::stop_token m_stop;
     const std::stop_token m_end;
 };

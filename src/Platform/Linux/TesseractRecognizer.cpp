@@ -183,8 +183,12 @@ private:
         return best.language.isEmpty() ? readings.first().language : best.language;
     }
 
+    /// Of one that is Chinese and little else, so that it has one script.
     static bool areOfParagraph(const Piece &piece, const Piece &next)
     {
+        if (!TesseractLineReader::readsChinese(piece.reading) ||
+            !TesseractLineReader::readsChinese(next.reading))
+            return false;
         if (next.line == piece.line)
             return true;
         const QRect &box = piece.box;
@@ -200,7 +204,8 @@ private:
             return;
         std::vector<Piece *> chinese;
         for (Piece &piece : m_pieces) {
-            if (TesseractLineReader::readsChinese(piece.reading))
+            const QString &language = piece.reading.language;
+            if (language == simplifiedChinese || language == traditionalChinese)
                 chinese.push_back(&piece);
         }
         inParallel(m_pool, int(chinese.size()), [&](int i) {

@@ -41,8 +41,9 @@ struct Part
 class InkPainter
 {
 public:
-    explicit InkPainter(const QImage &gray)
-        : m_width(gray.width())
+    InkPainter(const QImage &gray, const std::function<bool()> &isStopped)
+        : m_isStopped(isStopped)
+        , m_width(gray.width())
         , m_height(gray.height())
         , m_values(size_t(m_width) * size_t(m_height))
         , m_grounds(m_values.size())
@@ -54,17 +55,23 @@ public:
     QImage paint()
     {
         findGrounds();
+        if (m_isStopped())
+            return {};
         if (m_groundCount > 0)
             subtractGrounds();
         forEachPart([this](const Part &part) {
             if (isFrame(part))
                 dropFrame(part);
         });
+        if (m_isStopped())
+            return {};
         dropRules();
         forEachPart([this](const Part &part) {
             if (isCursor(part) || isBar(part) || isCorner(part))
                 drop(part.pixels);
         });
+        if (m_isStopped())
+            return {};
         QImage ink(m_width, m_height, QImage::Format_Grayscale8);
         for (int y = 0; y < m_height; ++y)
             std::copy_n(m_values.begin() + std::ptrdiff_t(y) * m_width, m_width, ink.scanLine(y));
@@ -74,6 +81,8 @@ public:
 private:
     int xOf(int pixel) const { return pixel % m_width; }
     int yOf(int pixel) const { return pixel / m_width; }
+    /// Asked once a row.
+    bool isRowOfStop(int pixel) const { return xOf(pixel) == 0 && m_isStopped(); }
     bool isInk(int pixel) const { return m_values[size_t(pixel)] < 255 - faintest; }
 
     void findGrounds()
@@ -81,6 +90,8 @@ private:
         std::vector<uchar> isKnown(m_values.size());
         Part part;
         for (int start = 0; start < int(m_values.size()); ++start) {
+            if (isRowOfStop(start))
+                return;
             if (isKnown[size_t(start)])
                 continue;
             takeFlat(start, isKnown, part);
@@ -209,6 +220,8 @@ private:
         std::vector<uchar> isKnown(m_values.size());
         Part part;
         for (int start = 0; start < int(m_values.size()); ++start) {
+            if (isRowOfStop(start))
+                return;
             if (isKnown[size_t(start)] || !isInk(start))
                 continue;
             takeInk(start, isKnown, part);
@@ -376,6 +389,7 @@ private:
         return width;
     }
 
+    const std::function<bool()> &m_isStopped;
     const int m_width;
     const int m_height;
     std::vector<uchar> m_values; ///< of the picture, then of its ink: 255 is none
@@ -385,12 +399,12 @@ private:
 
 } // namespace
 
-QImage inkPicture(const QImage &gray)
+QImage inkPicture(const QImage &gray, const std::function<bool()> &isStopped)
 {
     if (gray.isNull())
         return {};
     Q_ASSERT(gray.format() == QImage::Format_Grayscale8);
-    return InkPainter(gray).paint();
+    return InkPainter(gray, isStopped).paint();
 }
 
 } // namespace tovi

@@ -11,6 +11,7 @@ constexpr double sure = 0.85;      ///< a reading that needs no second one
 constexpr double plausible = 0.6;  ///< below it a line is in quite another language
 constexpr double barelyText = 0.5; ///< below it a line is an ornament or a photograph
 constexpr int longWord = 12;
+constexpr int shortWord = 4;
 constexpr double clearLead = 0.05; ///< before an unlikely language is believed
 /// The data for Traditional Chinese read Simplified too, and sometimes more surely, but write it their way.
 constexpr double leadOfTraditional = 0.05;
@@ -51,6 +52,18 @@ bool isWide(QChar c)
     return isIdeographic(c) || isSyllable(c) || isStrayStroke(c);
 }
 
+/// Ideographs and a vowel mark that dashes, bars and rings look like: they tell no language.
+bool isStroke(QChar c)
+{
+    static constexpr QStringView strokes = u"一ー丨〇";
+    return strokes.contains(c);
+}
+
+bool isTelling(QChar c)
+{
+    return isWide(c) && !isStroke(c);
+}
+
 template <class Predicate>
 bool hasAny(const QString &text, Predicate predicate)
 {
@@ -72,7 +85,7 @@ double scriptConfidence(const TesseractReading &reading)
 {
     TesseractReading own{.language = reading.language, .words = {}};
     for (const TesseractReading::Word &word : reading.words) {
-        if (hasAny(word.text, isWide))
+        if (hasAny(word.text, isTelling))
             own.words << word;
     }
     return own.words.isEmpty() ? reading.confidence() : own.confidence();
@@ -98,9 +111,20 @@ bool hasLatinWords(const TesseractReading &reading)
 {
     return std::any_of(reading.words.begin(), reading.words.end(), [&](const TesseractReading::Word &word) {
         const bool mayBeLatin =
-            !hasAny(word.text, isWide) || (reading.language == korean && hasAny(word.text, isStrayStroke));
+            !hasAny(word.text, isTelling) || (reading.language == korean && hasAny(word.text, isStrayStroke));
         return mayBeLatin && hasAny(word.text, [](QChar c) { return c.isLetterOrNumber(); });
     });
+}
+
+/// What the English data make of another script: signs, digits and capitals that they are unsure of.
+bool mayBeIdeographs(const TesseractReading::Word &word)
+{
+    const QString &text = word.text;
+    const auto letters = std::ranges::count_if(text, [](QChar c) { return c.isLetterOrNumber(); });
+    const auto small = std::ranges::count_if(text, [](QChar c) { return c.isLower(); });
+    const bool isName = small >= shortWord && small == letters;
+    return word.confidence < barelyText && text.size() < longWord && letters * 2 >= text.size() && !isName &&
+           text.count(u'-') < 2;
 }
 
 /// Whether the English reading of a stretch of a line is better than the other language's.
@@ -110,7 +134,7 @@ bool isBetter(const TesseractReading &english, const TesseractReading &own)
     if (!hasAny(english.text(), [](QChar c) { return c.isLetterOrNumber(); }))
         return false;
     if (own.language != korean)
-        return !hasAny(text, isWide) && english.confidence() > own.confidence();
+        return !hasAny(text, isTelling) && english.confidence() > own.confidence();
     if (hasAny(text, isStrayStroke))
         return english.confidence() > (hasAny(text, isSyllable) ? sure : plausible);
     // These data know digits, and read letters as such.
@@ -141,7 +165,7 @@ TesseractReading withWordsOf(const TesseractReading &english, const TesseractRea
     for (qsizetype i = 1; i < reading.words.size(); ++i) {
         const TesseractReading::Word &before = reading.words[i - 1];
         const TesseractReading::Word &word = reading.words[i];
-        if (!word.hasBlankBefore && !(hasAny(before.text, isWide) && word.text.front().isLetterOrNumber()))
+        if (!word.hasBlankBefore && !(hasAny(before.text, isTelling) && word.text.front().isLetterOrNumber()))
             continue;
         // Letters without blanks between them overlap.
         const int gapBegin = std::min(before.end, word.begin) - nearby;
@@ -197,7 +221,7 @@ TesseractReading TesseractLineReader::best(const QList<TesseractReading> &readin
     if (english == none)
         return best;
     // All data know Latin letters, but only one knows words of them.
-    const double latinLead = hasAny(best.text(), isWide) ? 0 : englishLead;
+    const double latinLead = hasAny(best.text(), isTelling) ? 0 : englishLead;
     return english->confidence() > best.confidence() - latinLead ? *english : best;
 }
 
@@ -207,20 +231,25 @@ bool TesseractLineReader::isSure(const TesseractReading &reading)
     const QString text = reading.text();
     // Ideographs alone are as likely Chinese, and kana or syllables are nothing else.
     if (reading.language == japanese)
-        return hasAny(text, isKana) ? confidence >= plausible : confidence >= sure && !hasAny(text, isWide);
+        return hasAny(text, isKana) ? confidence >= plausible
+                                    : confidence >= sure && !hasAny(text, isTelling);
+    if (reading.language == latin)
+        return confidence >= plausible && std::ranges::none_of(reading.words, mayBeIdeographs);
     return confidence >= sure || (reading.language == korean && confidence >= plausible);
 }
 
-TesseractReading TesseractLineReader::read(const QString &likely, const QImage &line)
+TesseractReading TesseractLineReader::read(const QString &likely, const QImage &line,
+                                           const QList<TesseractReading> &known)
 {
     QList<TesseractReading> readings;
     const auto add = [&](const QString &language) {
-        const bool isRead = std::any_of(readings.begin(), readings.end(), [&](const TesseractReading &known) {
-            return known.language == language;
-        });
-        if (isRead || !m_languages.contains(language))
+        if (!m_languages.contains(language) ||
+            std::ranges::find(readings, language, &TesseractReading::language) != readings.end())
             return;
-        if (const auto reading = m_engines.read(language, line))
+        const auto read = std::ranges::find(known, language, &TesseractReading::language);
+        if (read != known.end())
+            readings << *read;
+        else if (const auto reading = m_engines.read(language, line))
             readings << *reading;
     };
     add(likely);
@@ -290,6 +319,19 @@ QChar wideForm(QChar c)
     return narrow.contains(c) ? QChar(c.unicode() + 0xfee0) : c;
 }
 
+/// The dash that a stroke between Latin letters was; the stroke elsewhere.
+QChar withoutStroke(QStringView before, QChar c, QStringView after)
+{
+    if (c != u'一' && c != u'ー')
+        return c;
+    before = before.trimmed();
+    after = after.trimmed();
+    const auto isLatin = [](QChar neighbour) { return neighbour.isPrint() && !isWide(neighbour); };
+    const bool isDash = (before.isEmpty() || isLatin(before.back())) &&
+                        (after.isEmpty() || isLatin(after.front())) && before.size() + after.size() > 0;
+    return isDash ? QChar(u'—') : c;
+}
+
 /// A bullet or an icon before a label is read as some sign or letter.
 bool beginsWithOrnament(const TesseractReading &reading)
 {
@@ -309,7 +351,7 @@ QString tidyText(const TesseractReading &reading)
         (beginsWithOrnament(reading) ? part(reading, 1, reading.words.size()) : reading).text();
     QString tidy;
     for (qsizetype i = 0; i < text.size(); ++i) {
-        const QChar c = text[i];
+        const QChar c = withoutStroke(QStringView(text).first(i), text[i], QStringView(text).sliced(i + 1));
         const QChar before = tidy.isEmpty() ? QChar() : tidy.back();
         const QChar after = i + 1 < text.size() ? text[i + 1] : QChar();
         if (c == u' ' && isIdeographic(before) && (isIdeographic(after) || wideForm(after) != after))

@@ -21,7 +21,11 @@ public:
     {}
 
     /// Reads a line that is probably in one language; the others are tried where that reads badly.
-    TesseractReading read(const QString &likely, const QImage &line);
+    /// Readings of it that are known already are not made again.
+    TesseractReading read(const QString &likely, const QImage &line,
+                          const QList<TesseractReading> &known = {});
+    /// Whether a reading needs no other one beside it.
+    static bool isSure(const TesseractReading &reading);
     /// Reads a line that is surely in one language, but for words in Latin letters.
     TesseractReading readIn(const QString &language, const QImage &line);
     /// Whether a line is Chinese and little else.
@@ -34,8 +38,6 @@ public:
     static TesseractReading best(const QList<TesseractReading> &readings, double lead = 0);
 
 private:
-    static bool isSure(const TesseractReading &reading);
-
     TesseractEngines &m_engines;
     const QStringList m_languages;
 };

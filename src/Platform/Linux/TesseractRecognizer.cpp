@@ -27,6 +27,9 @@ namespace {
 constexpr int mostThreads = 2;       ///< each may want an engine of its own for a language
 constexpr double doubtfulLook = 0.4; ///< of a paragraph's script
 constexpr double clearLook = 1;      ///< of a line's script: its paragraph may be in another one
+const QString english = QStringLiteral("eng");
+const QString japanese = QStringLiteral("jpn");
+const QString korean = QStringLiteral("kor");
 const QString simplifiedChinese = QStringLiteral("chi_sim");
 const QString traditionalChinese = QStringLiteral("chi_tra");
 
@@ -87,9 +90,10 @@ public:
         , m_pool(pool)
         , m_languages(dataNames(request.languages))
         , m_reader(engines, m_languages)
-        , m_ink(inkPicture(request.image.convertToFormat(QImage::Format_Grayscale8)))
         , m_stop(request.stop)
         , m_end(std::move(end))
+        , m_ink(inkPicture(request.image.convertToFormat(QImage::Format_Grayscale8),
+                           [this] { return isStopped(); }))
     {}
 
     QList<RecognizedText> run()
@@ -105,12 +109,15 @@ public:
         const auto widest =
             std::ranges::max_element(m_pieces, {}, [](const Piece &p) { return p.box.width(); });
         const int first = int(widest - m_pieces.begin());
-        const QString likely = likelyLanguage(picture(*widest));
+        QList<TesseractReading> known;
+        const QString likely = likelyLanguage(picture(*widest), known);
         inParallel(m_pool, int(m_pieces.size()), [&](int i) {
             // The widest first: the threads end together when the longest work comes first.
             Piece &piece = m_pieces[size_t(i == 0 ? first : (i <= first ? i - 1 : i))];
-            if (!isStopped())
-                piece.reading = m_reader.read(likely, picture(piece));
+            if (!isStopped()) {
+                piece.reading =
+                    m_reader.read(likely, picture(piece), i == 0 ? known : QList<TesseractReading>());
+            }
         });
         throwIfStopped();
         agreeOnScripts();
@@ -161,25 +168,35 @@ private:
         return found.text.isEmpty() ? std::nullopt : std::optional(found);
     }
 
-    /// Of the whole picture, as its widest piece shows it.
-    QString likelyLanguage(const QImage &line)
+    /// Of the whole picture, as its widest piece shows it, whose readings are added. Engines are made for
+    /// scripts that the piece may be in.
+    QString likelyLanguage(const QImage &line, QList<TesseractReading> &readings)
     {
-        std::vector<std::optional<TesseractReading>> found(size_t(m_languages.size()));
-        inParallel(m_pool, int(m_languages.size()), [&](int i) {
-            if (!isStopped())
-                found[size_t(i)] = m_engines.read(m_languages[i], line);
-        });
-        throwIfStopped();
-        QList<TesseractReading> readings;
-        for (const auto &reading : found) {
-            if (reading)
-                readings << *reading;
+        static const QList<QStringList> rounds{
+            {english}, {simplifiedChinese, japanese}, {traditionalChinese, korean}};
+        TesseractReading best;
+        for (const QStringList &round : rounds) {
+            std::vector<std::optional<TesseractReading>> found(size_t(round.size()));
+            inParallel(m_pool, int(round.size()), [&](int i) {
+                if (m_languages.contains(round[i]) && !isStopped())
+                    found[size_t(i)] = m_engines.read(round[i], line);
+            });
+            throwIfStopped();
+            for (const auto &reading : found) {
+                if (reading)
+                    readings << *reading;
+            }
+            best = TesseractLineReader::best(readings);
+            if (TesseractLineReader::isSure(best))
+                break;
         }
         if (readings.isEmpty()) {
             throw TextRecognitionError(QStringLiteral("no data for any of the languages are installed"),
                                        TextRecognitionError::Reason::NotInstalled);
         }
-        const TesseractReading best = TesseractLineReader::best(readings);
+        if (best.language == simplifiedChinese && traditionalLook(best, line) > doubtfulLook &&
+            m_languages.contains(traditionalChinese))
+            return traditionalChinese;
         return best.language.isEmpty() ? readings.first().language : best.language;
     }
 
@@ -269,10 +286,10 @@ private:
     QThreadPool &m_pool;
     const QStringList m_languages;
     TesseractLineReader m_reader;
-    const QImage m_ink;
-    std::vector<Piece> m_pieces;
     const std::stop_token m_stop;
     const std::stop_token m_end;
+    const QImage m_ink;
+    std::vector<Piece> m_pieces;
 };
 
 } // namespace

@@ -15,6 +15,7 @@
 #include "Platform/DispatchQueue.h"
 #include "Platform/Linux/ChineseScript.h"
 #include "Platform/Linux/InkPicture.h"
+#include "Platform/Linux/ListBullet.h"
 #include "Platform/Linux/TesseractEngines.h"
 #include "Platform/Linux/TesseractLineReader.h"
 #include "Platform/Linux/TextLineFinder.h"
@@ -103,6 +104,7 @@ public:
         for (int i = 0; i < int(lines.size()); ++i) {
             for (const QRect &cell : lines[i])
                 m_pieces.push_back({.line = i, .box = cell});
+            takeBullet(m_pieces[m_pieces.size() - size_t(lines[i].size())]);
         }
         if (m_pieces.empty())
             return {};
@@ -114,7 +116,7 @@ public:
         inParallel(m_pool, int(m_pieces.size()), [&](int i) {
             // The widest first: the threads end together when the longest work comes first.
             Piece &piece = m_pieces[size_t(i == 0 ? first : (i <= first ? i - 1 : i))];
-            if (!isStopped()) {
+            if (!isStopped() && !piece.box.isEmpty()) {
                 piece.reading =
                     m_reader.read(likely, picture(piece), i == 0 ? known : QList<TesseractReading>());
             }
@@ -137,9 +139,19 @@ private:
     {
         int line = 0;
         QRect box;
+        QString bullet = {};
         TesseractReading reading = {};
         double look = 0; ///< of a Chinese script
     };
+
+    /// Out of the first piece of a line, of which nothing else may be left.
+    void takeBullet(Piece &first) const
+    {
+        if (const auto bullet = listBullet(m_ink, first.box)) {
+            first.bullet = QString(bullet->sign);
+            first.box.setLeft(first.box.left() + bullet->width);
+        }
+    }
 
     QImage picture(const Piece &piece) const { return textLinePicture(m_ink, piece.box); }
 
@@ -165,7 +177,11 @@ private:
             found.box |= piece.box;
             found.confidence = sum / double(found.text.size());
         }
-        return found.text.isEmpty() ? std::nullopt : std::optional(found);
+        if (found.text.isEmpty())
+            return std::nullopt;
+        if (!line.front().bullet.isEmpty())
+            found.text.prepend(line.front().bullet + u' ');
+        return found;
     }
 
     /// Of the whole picture, as its widest piece shows it, whose readings are added. Engines are made for

@@ -55,17 +55,14 @@ public:
     QImage paint()
     {
         findGrounds();
-        if (m_isStopped())
-            return {};
-        if (m_groundCount > 0)
+        if (m_groundCount > 0 && !m_isStopped())
             subtractGrounds();
         forEachPart([this](const Part &part) {
             if (isFrame(part))
                 dropFrame(part);
         });
-        if (m_isStopped())
-            return {};
-        dropRules();
+        if (!m_isStopped())
+            dropRules();
         forEachPart([this](const Part &part) {
             if (isCursor(part) || isBar(part) || isCorner(part))
                 drop(part.pixels);
@@ -81,7 +78,6 @@ public:
 private:
     int xOf(int pixel) const { return pixel % m_width; }
     int yOf(int pixel) const { return pixel / m_width; }
-    /// Asked once a row.
     bool isRowOfStop(int pixel) const { return xOf(pixel) == 0 && m_isStopped(); }
     bool isInk(int pixel) const { return m_values[size_t(pixel)] < 255 - faintest; }
 
@@ -89,9 +85,7 @@ private:
     {
         std::vector<uchar> isKnown(m_values.size());
         Part part;
-        for (int start = 0; start < int(m_values.size()); ++start) {
-            if (isRowOfStop(start))
-                return;
+        for (int start = 0; start < int(m_values.size()) && !isRowOfStop(start); ++start) {
             if (isKnown[size_t(start)])
                 continue;
             takeFlat(start, isKnown, part);
@@ -182,11 +176,10 @@ private:
     void subtractGrounds()
     {
         std::vector<uchar> grounds = m_values;
-        std::vector<quint16> distances(m_values.size(), std::numeric_limits<quint16>::max());
-        for (size_t i = 0; i < m_values.size(); ++i) {
-            if (m_grounds[i])
-                distances[i] = 0;
-        }
+        std::vector<quint16> distances(m_values.size());
+        std::ranges::transform(m_grounds, distances.begin(), [](int ground) {
+            return ground ? quint16(0) : std::numeric_limits<quint16>::max();
+        });
         const auto spread = [&](int pixel, int neighbour) {
             const int distance = distances[size_t(neighbour)] + 1;
             if (distance < distances[size_t(pixel)]) {
@@ -219,13 +212,11 @@ private:
     {
         std::vector<uchar> isKnown(m_values.size());
         Part part;
-        for (int start = 0; start < int(m_values.size()); ++start) {
-            if (isRowOfStop(start))
-                return;
-            if (isKnown[size_t(start)] || !isInk(start))
-                continue;
-            takeInk(start, isKnown, part);
-            work(part);
+        for (int start = 0; start < int(m_values.size()) && !isRowOfStop(start); ++start) {
+            if (!isKnown[size_t(start)] && isInk(start)) {
+                takeInk(start, isKnown, part);
+                work(part);
+            }
         }
     }
 

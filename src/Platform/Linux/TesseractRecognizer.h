@@ -30,7 +30,7 @@ public:
 
     QFuture<QList<RecognizedText>> recognize(TextRecognitionRequest request) override;
 
-    /// Engines that rest, for tests and measurements. Any thread.
+    /// Engines that there are, for tests and measurements. Any thread.
     int warmEngines() const;
 
 private:

@@ -10,6 +10,7 @@ namespace {
 constexpr double sure = 0.85;      ///< a reading that needs no second one
 constexpr double plausible = 0.6;  ///< below it a line is in quite another language
 constexpr double barelyText = 0.5; ///< below it a line is an ornament or a photograph
+constexpr double likelyWord = 0.6; ///< a word of digits and capitals that is one
 constexpr int longWord = 12;
 constexpr int shortWord = 4;
 constexpr double clearLead = 0.05; ///< before an unlikely language is believed
@@ -123,8 +124,8 @@ bool mayBeIdeographs(const TesseractReading::Word &word)
     const auto letters = std::ranges::count_if(text, [](QChar c) { return c.isLetterOrNumber(); });
     const auto small = std::ranges::count_if(text, [](QChar c) { return c.isLower(); });
     const bool isName = small >= shortWord && small == letters;
-    return word.confidence < barelyText && text.size() < longWord && letters * 2 >= text.size() && !isName &&
-           text.count(u'-') < 2;
+    return word.confidence < (text.size() < longWord ? likelyWord : barelyText) &&
+           letters * 2 >= text.size() && !isName && text.count(u'-') < 2;
 }
 
 /// Whether the English reading of a stretch of a line is better than the other language's.

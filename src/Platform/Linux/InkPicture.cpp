@@ -41,8 +41,9 @@ struct Part
 class InkPainter
 {
 public:
-    explicit InkPainter(const QImage &gray)
-        : m_width(gray.width())
+    InkPainter(const QImage &gray, const std::function<bool()> &isStopped)
+        : m_isStopped(isStopped)
+        , m_width(gray.width())
         , m_height(gray.height())
         , m_values(size_t(m_width) * size_t(m_height))
         , m_grounds(m_values.size())
@@ -54,17 +55,20 @@ public:
     QImage paint()
     {
         findGrounds();
-        if (m_groundCount > 0)
+        if (m_groundCount > 0 && !m_isStopped())
             subtractGrounds();
         forEachPart([this](const Part &part) {
             if (isFrame(part))
                 dropFrame(part);
         });
-        dropRules();
+        if (!m_isStopped())
+            dropRules();
         forEachPart([this](const Part &part) {
             if (isCursor(part) || isBar(part) || isCorner(part))
                 drop(part.pixels);
         });
+        if (m_isStopped())
+            return {};
         QImage ink(m_width, m_height, QImage::Format_Grayscale8);
         for (int y = 0; y < m_height; ++y)
             std::copy_n(m_values.begin() + std::ptrdiff_t(y) * m_width, m_width, ink.scanLine(y));
@@ -74,13 +78,14 @@ public:
 private:
     int xOf(int pixel) const { return pixel % m_width; }
     int yOf(int pixel) const { return pixel / m_width; }
+    bool isRowOfStop(int pixel) const { return xOf(pixel) == 0 && m_isStopped(); }
     bool isInk(int pixel) const { return m_values[size_t(pixel)] < 255 - faintest; }
 
     void findGrounds()
     {
         std::vector<uchar> isKnown(m_values.size());
         Part part;
-        for (int start = 0; start < int(m_values.size()); ++start) {
+        for (int start = 0; start < int(m_values.size()) && !isRowOfStop(start); ++start) {
             if (isKnown[size_t(start)])
                 continue;
             takeFlat(start, isKnown, part);
@@ -141,8 +146,9 @@ private:
         if (width < narrowestBlock || height < lowestBlock)
             return false;
         const qsizetype full = qsizetype(width) * height;
+        // Letters may touch the ends of a selection.
         return (width * 2 >= height * 3 ? area * 3 >= full : area * 20 >= full * 11) &&
-               isFramed(part, 80, 50);
+               isFramed(part, 80, width >= height * 2 ? 25 : 50);
     }
 
     /// Whether it is straight on all sides, each by so many of 100 pixels.
@@ -170,11 +176,10 @@ private:
     void subtractGrounds()
     {
         std::vector<uchar> grounds = m_values;
-        std::vector<quint16> distances(m_values.size(), std::numeric_limits<quint16>::max());
-        for (size_t i = 0; i < m_values.size(); ++i) {
-            if (m_grounds[i])
-                distances[i] = 0;
-        }
+        std::vector<quint16> distances(m_values.size());
+        std::ranges::transform(m_grounds, distances.begin(), [](int ground) {
+            return ground ? quint16(0) : std::numeric_limits<quint16>::max();
+        });
         const auto spread = [&](int pixel, int neighbour) {
             const int distance = distances[size_t(neighbour)] + 1;
             if (distance < distances[size_t(pixel)]) {
@@ -207,11 +212,11 @@ private:
     {
         std::vector<uchar> isKnown(m_values.size());
         Part part;
-        for (int start = 0; start < int(m_values.size()); ++start) {
-            if (isKnown[size_t(start)] || !isInk(start))
-                continue;
-            takeInk(start, isKnown, part);
-            work(part);
+        for (int start = 0; start < int(m_values.size()) && !isRowOfStop(start); ++start) {
+            if (!isKnown[size_t(start)] && isInk(start)) {
+                takeInk(start, isKnown, part);
+                work(part);
+            }
         }
     }
 
@@ -375,6 +380,7 @@ private:
         return width;
     }
 
+    const std::function<bool()> &m_isStopped;
     const int m_width;
     const int m_height;
     std::vector<uchar> m_values; ///< of the picture, then of its ink: 255 is none
@@ -384,12 +390,12 @@ private:
 
 } // namespace
 
-QImage inkPicture(const QImage &gray)
+QImage inkPicture(const QImage &gray, const std::function<bool()> &isStopped)
 {
     if (gray.isNull())
         return {};
     Q_ASSERT(gray.format() == QImage::Format_Grayscale8);
-    return InkPainter(gray).paint();
+    return InkPainter(gray, isStopped).paint();
 }
 
 } // namespace tovi

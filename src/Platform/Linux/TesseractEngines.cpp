@@ -59,6 +59,7 @@ TessBaseAPI *TesseractEngines::take(const QString &language)
         if (resting != m_resting.end()) {
             TessBaseAPI *api = resting->api;
             m_resting.erase(resting);
+            ++m_busy;
             return api;
         }
     }
@@ -72,6 +73,8 @@ TessBaseAPI *TesseractEngines::take(const QString &language)
     }
     m_library.setVariable(api, "tessedit_do_invert", "0");
     m_library.setPageSegMode(api, tesseract::PSM_SINGLE_LINE);
+    const std::scoped_lock lock(m_mutex);
+    ++m_busy;
     return api;
 }
 
@@ -79,6 +82,7 @@ void TesseractEngines::giveBack(const QString &language, TessBaseAPI *api)
 {
     const std::scoped_lock lock(m_mutex);
     m_resting.push_back({language, api, m_clock.now()});
+    --m_busy;
 }
 
 QList<TesseractReading::Word> TesseractEngines::words(TessBaseAPI *api, int height) const
@@ -187,7 +191,7 @@ void TesseractEngines::end(const std::function<bool(const Engine &)> &isOver)
 int TesseractEngines::count() const
 {
     const std::scoped_lock lock(m_mutex);
-    return int(m_resting.size());
+    return int(m_resting.size()) + m_busy;
 }
 
 } // namespace tovi

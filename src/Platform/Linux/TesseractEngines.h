@@ -73,7 +73,8 @@ private:
     const QByteArray m_dataFolder;
     const Clock &m_clock;
     mutable std::mutex m_mutex;
-    std::vector<Engine> m_resting; // under m_mutex, like m_missing
+    std::vector<Engine> m_resting; // under m_mutex, like the following
+    int m_busy = 0;
     QSet<QString> m_missing;
 };
 

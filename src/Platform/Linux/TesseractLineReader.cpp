@@ -7,15 +7,15 @@ namespace tovi {
 
 namespace {
 
-constexpr double sure = 0.85;            ///< a reading that needs no second one
-constexpr double surelyOneScript = 0.93; ///< the same, where another script reads the line nearly as well
-constexpr double plausible = 0.6;        ///< below it a line is in quite another language
-constexpr double barelyText = 0.5;       ///< below it a line is an ornament or a photograph
+constexpr double sure = 0.85;      ///< a reading that needs no second one
+constexpr double plausible = 0.6;  ///< below it a line is in quite another language
+constexpr double barelyText = 0.5; ///< below it a line is an ornament or a photograph
+constexpr double likelyWord = 0.6; ///< a word of digits and capitals that is one
 constexpr int longWord = 12;
+constexpr int shortWord = 4;
 constexpr double clearLead = 0.05; ///< before an unlikely language is believed
 /// The data for Traditional Chinese read Simplified too, and sometimes more surely, but write it their way.
-constexpr double traditionalLead = 0.05;
-constexpr qsizetype fewLines = 4;    ///< of a paragraph: they prove little
+constexpr double leadOfTraditional = 0.05;
 constexpr double englishLead = 0.07; ///< what another language's reading of Latin letters has to be surer by
 constexpr int nearby = 4; ///< pixels of a line's picture that readings differ about where a word is
 const QString simplifiedChinese = QStringLiteral("chi_sim");
@@ -53,6 +53,18 @@ bool isWide(QChar c)
     return isIdeographic(c) || isSyllable(c) || isStrayStroke(c);
 }
 
+/// Ideographs and a vowel mark that dashes, bars and rings look like: they tell no language.
+bool isStroke(QChar c)
+{
+    static constexpr QStringView strokes = u"一ー丨〇";
+    return strokes.contains(c);
+}
+
+bool isTelling(QChar c)
+{
+    return isWide(c) && !isStroke(c);
+}
+
 template <class Predicate>
 bool hasAny(const QString &text, Predicate predicate)
 {
@@ -74,7 +86,7 @@ double scriptConfidence(const TesseractReading &reading)
 {
     TesseractReading own{.language = reading.language, .words = {}};
     for (const TesseractReading::Word &word : reading.words) {
-        if (hasAny(word.text, isWide))
+        if (hasAny(word.text, isTelling))
             own.words << word;
     }
     return own.words.isEmpty() ? reading.confidence() : own.confidence();
@@ -96,18 +108,24 @@ double confidenceOfOwn(const TesseractReading &reading, const TesseractReading &
     return count ? sum / double(count) : 1;
 }
 
-bool isTraditional(const TesseractReading &simplified, const TesseractReading &traditional, double lead)
-{
-    return confidenceOfOwn(traditional, simplified) - confidenceOfOwn(simplified, traditional) > lead;
-}
-
 bool hasLatinWords(const TesseractReading &reading)
 {
     return std::any_of(reading.words.begin(), reading.words.end(), [&](const TesseractReading::Word &word) {
         const bool mayBeLatin =
-            !hasAny(word.text, isWide) || (reading.language == korean && hasAny(word.text, isStrayStroke));
+            !hasAny(word.text, isTelling) || (reading.language == korean && hasAny(word.text, isStrayStroke));
         return mayBeLatin && hasAny(word.text, [](QChar c) { return c.isLetterOrNumber(); });
     });
+}
+
+/// What the English data make of another script: signs, digits and capitals that they are unsure of.
+bool mayBeIdeographs(const TesseractReading::Word &word)
+{
+    const QString &text = word.text;
+    const auto letters = std::ranges::count_if(text, [](QChar c) { return c.isLetterOrNumber(); });
+    const auto small = std::ranges::count_if(text, [](QChar c) { return c.isLower(); });
+    const bool isName = small >= shortWord && small == letters;
+    return word.confidence < (text.size() < longWord ? likelyWord : barelyText) &&
+           letters * 2 >= text.size() && !isName && text.count(u'-') < 2;
 }
 
 /// Whether the English reading of a stretch of a line is better than the other language's.
@@ -117,7 +135,7 @@ bool isBetter(const TesseractReading &english, const TesseractReading &own)
     if (!hasAny(english.text(), [](QChar c) { return c.isLetterOrNumber(); }))
         return false;
     if (own.language != korean)
-        return !hasAny(text, isWide) && english.confidence() > own.confidence();
+        return !hasAny(text, isTelling) && english.confidence() > own.confidence();
     if (hasAny(text, isStrayStroke))
         return english.confidence() > (hasAny(text, isSyllable) ? sure : plausible);
     // These data know digits, and read letters as such.
@@ -148,7 +166,7 @@ TesseractReading withWordsOf(const TesseractReading &english, const TesseractRea
     for (qsizetype i = 1; i < reading.words.size(); ++i) {
         const TesseractReading::Word &before = reading.words[i - 1];
         const TesseractReading::Word &word = reading.words[i];
-        if (!word.hasBlankBefore && !(hasAny(before.text, isWide) && word.text.front().isLetterOrNumber()))
+        if (!word.hasBlankBefore && !(hasAny(before.text, isTelling) && word.text.front().isLetterOrNumber()))
             continue;
         // Letters without blanks between them overlap.
         const int gapBegin = std::min(before.end, word.begin) - nearby;
@@ -180,11 +198,11 @@ TesseractReading TesseractLineReader::best(const QList<TesseractReading> &readin
     QString otherScript;
     if (simplified != none && traditional != none) {
         const QString likely = readings.first().language;
-        double toBeat = traditionalLead + (likely == simplifiedChinese ? lead : 0);
+        double toBeat = leadOfTraditional + (likely == simplifiedChinese ? lead : 0);
         if (likely == traditionalChinese && lead > 0)
             toBeat = 0;
         otherScript =
-            isTraditional(*simplified, *traditional, toBeat) ? simplifiedChinese : traditionalChinese;
+            traditionalLead(*simplified, *traditional) > toBeat ? simplifiedChinese : traditionalChinese;
     }
     TesseractReading best;
     double bestScore = 0;
@@ -204,7 +222,7 @@ TesseractReading TesseractLineReader::best(const QList<TesseractReading> &readin
     if (english == none)
         return best;
     // All data know Latin letters, but only one knows words of them.
-    const double latinLead = hasAny(best.text(), isWide) ? 0 : englishLead;
+    const double latinLead = hasAny(best.text(), isTelling) ? 0 : englishLead;
     return english->confidence() > best.confidence() - latinLead ? *english : best;
 }
 
@@ -212,24 +230,27 @@ bool TesseractLineReader::isSure(const TesseractReading &reading)
 {
     const double confidence = scriptConfidence(reading);
     const QString text = reading.text();
-    if (isChinese(reading.language))
-        return confidence >= surelyOneScript;
     // Ideographs alone are as likely Chinese, and kana or syllables are nothing else.
     if (reading.language == japanese)
-        return hasAny(text, isKana) ? confidence >= plausible : confidence >= sure && !hasAny(text, isWide);
+        return hasAny(text, isKana) ? confidence >= plausible
+                                    : confidence >= sure && !hasAny(text, isTelling);
+    if (reading.language == latin)
+        return confidence >= plausible && std::ranges::none_of(reading.words, mayBeIdeographs);
     return confidence >= sure || (reading.language == korean && confidence >= plausible);
 }
 
-TesseractReading TesseractLineReader::read(const QString &likely, const QImage &line)
+TesseractReading TesseractLineReader::read(const QString &likely, const QImage &line,
+                                           const QList<TesseractReading> &known)
 {
     QList<TesseractReading> readings;
     const auto add = [&](const QString &language) {
-        const bool isRead = std::any_of(readings.begin(), readings.end(), [&](const TesseractReading &known) {
-            return known.language == language;
-        });
-        if (isRead || !m_languages.contains(language))
+        if (!m_languages.contains(language) ||
+            std::ranges::find(readings, language, &TesseractReading::language) != readings.end())
             return;
-        if (const auto reading = m_engines.read(language, line))
+        const auto read = std::ranges::find(known, language, &TesseractReading::language);
+        if (read != known.end())
+            readings << *read;
+        else if (const auto reading = m_engines.read(language, line))
             readings << *reading;
     };
     add(likely);
@@ -270,12 +291,10 @@ bool TesseractLineReader::readsChinese(const TesseractReading &reading)
            std::count_if(text.begin(), text.end(), isIdeographic) * 2 > text.size();
 }
 
-QString TesseractLineReader::chineseScript(const QList<TesseractReading> &lines)
+double TesseractLineReader::traditionalLead(const TesseractReading &simplified,
+                                            const TesseractReading &traditional)
 {
-    const auto traditional = std::ranges::count(lines, traditionalChinese, &TesseractReading::language);
-    const bool isMost =
-        lines.size() < fewLines ? traditional * 4 >= lines.size() * 3 : traditional * 2 > lines.size();
-    return isMost ? traditionalChinese : simplifiedChinese;
+    return confidenceOfOwn(traditional, simplified) - confidenceOfOwn(simplified, traditional);
 }
 
 bool isText(const TesseractReading &reading)
@@ -301,6 +320,19 @@ QChar wideForm(QChar c)
     return narrow.contains(c) ? QChar(c.unicode() + 0xfee0) : c;
 }
 
+/// The dash that a stroke between Latin letters was; the stroke elsewhere.
+QChar withoutStroke(QStringView before, QChar c, QStringView after)
+{
+    if (c != u'一' && c != u'ー')
+        return c;
+    before = before.trimmed();
+    after = after.trimmed();
+    const auto isLatin = [](QChar neighbour) { return neighbour.isPrint() && !isWide(neighbour); };
+    const bool isDash = (before.isEmpty() || isLatin(before.back())) &&
+                        (after.isEmpty() || isLatin(after.front())) && before.size() + after.size() > 0;
+    return isDash ? QChar(u'—') : c;
+}
+
 /// A bullet or an icon before a label is read as some sign or letter.
 bool beginsWithOrnament(const TesseractReading &reading)
 {
@@ -320,7 +352,7 @@ QString tidyText(const TesseractReading &reading)
         (beginsWithOrnament(reading) ? part(reading, 1, reading.words.size()) : reading).text();
     QString tidy;
     for (qsizetype i = 0; i < text.size(); ++i) {
-        const QChar c = text[i];
+        const QChar c = withoutStroke(QStringView(text).first(i), text[i], QStringView(text).sliced(i + 1));
         const QChar before = tidy.isEmpty() ? QChar() : tidy.back();
         const QChar after = i + 1 < text.size() ? text[i + 1] : QChar();
         if (c == u' ' && isIdeographic(before) && (isIdeographic(after) || wideForm(after) != after))

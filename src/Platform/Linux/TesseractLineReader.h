@@ -21,21 +21,23 @@ public:
     {}
 
     /// Reads a line that is probably in one language; the others are tried where that reads badly.
-    TesseractReading read(const QString &likely, const QImage &line);
+    /// Readings of it that are known already are not made again.
+    TesseractReading read(const QString &likely, const QImage &line,
+                          const QList<TesseractReading> &known = {});
+    /// Whether a reading needs no other one beside it.
+    static bool isSure(const TesseractReading &reading);
     /// Reads a line that is surely in one language, but for words in Latin letters.
     TesseractReading readIn(const QString &language, const QImage &line);
     /// Whether a line is Chinese and little else.
     static bool readsChinese(const TesseractReading &reading);
-    /// The Chinese script of a paragraph of such lines. Lines are taken for Traditional more easily than the
-    /// other way round.
-    static QString chineseScript(const QList<TesseractReading> &lines);
+    /// How much surer the letters of the Traditional reading of a line are than those of the Simplified one,
+    /// of those that only one of them has. -1 to 1.
+    static double traditionalLead(const TesseractReading &simplified, const TesseractReading &traditional);
     /// The best of readings of one line, each by another language; an empty one of none. The first language
     /// is the likely one: others have to be surer by the lead.
     static TesseractReading best(const QList<TesseractReading> &readings, double lead = 0);
 
 private:
-    static bool isSure(const TesseractReading &reading);
-
     TesseractEngines &m_engines;
     const QStringList m_languages;
 };

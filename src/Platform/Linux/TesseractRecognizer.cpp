@@ -4,12 +4,18 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cmath>
 #include <exception>
 #include <latch>
 #include <mutex>
+#include <optional>
+#include <span>
+#include <vector>
 
 #include "Platform/DispatchQueue.h"
+#include "Platform/Linux/ChineseScript.h"
 #include "Platform/Linux/InkPicture.h"
+#include "Platform/Linux/ListBullet.h"
 #include "Platform/Linux/TesseractEngines.h"
 #include "Platform/Linux/TesseractLineReader.h"
 #include "Platform/Linux/TextLineFinder.h"
@@ -19,7 +25,14 @@ namespace tovi {
 
 namespace {
 
-constexpr int mostThreads = 2; ///< each may want an engine of its own for a language
+constexpr int mostThreads = 2;       ///< each may want an engine of its own for a language
+constexpr double doubtfulLook = 0.4; ///< of a paragraph's script
+constexpr double clearLook = 1;      ///< of a line's script: its paragraph may be in another one
+const QString english = QStringLiteral("eng");
+const QString japanese = QStringLiteral("jpn");
+const QString korean = QStringLiteral("kor");
+const QString simplifiedChinese = QStringLiteral("chi_sim");
+const QString traditionalChinese = QStringLiteral("chi_tra");
 
 /// Our names of languages and those of the library's data.
 QStringList dataNames(const QStringList &languages)
@@ -78,89 +91,204 @@ public:
         , m_pool(pool)
         , m_languages(dataNames(request.languages))
         , m_reader(engines, m_languages)
-        , m_ink(inkPicture(request.image.convertToFormat(QImage::Format_Grayscale8)))
         , m_stop(request.stop)
         , m_end(std::move(end))
+        , m_ink(inkPicture(request.image.convertToFormat(QImage::Format_Grayscale8),
+                           [this] { return isStopped(); }))
     {}
 
     QList<RecognizedText> run()
     {
-        const QList<QRect> boxes = findTextLines(m_ink, [this] { return isStopped(); });
+        const QList<TextLine> lines = findTextLines(m_ink, [this] { return isStopped(); });
         throwIfStopped();
-        if (boxes.isEmpty())
+        for (int i = 0; i < int(lines.size()); ++i) {
+            for (const QRect &cell : lines[i])
+                m_pieces.push_back({.line = i, .box = cell});
+            takeBullet(m_pieces[m_pieces.size() - size_t(lines[i].size())]);
+        }
+        if (m_pieces.empty())
             return {};
-        std::vector<TesseractReading> readings(size_t(boxes.size()));
-        const auto widest = std::max_element(
-            boxes.begin(), boxes.end(), [](const QRect &a, const QRect &b) { return a.width() < b.width(); });
-        const qsizetype first = widest - boxes.begin();
-        const QString likely = likelyLanguage(*widest);
-        inParallel(m_pool, int(boxes.size()), [&](int i) {
+        const auto widest =
+            std::ranges::max_element(m_pieces, {}, [](const Piece &p) { return p.box.width(); });
+        const int first = int(widest - m_pieces.begin());
+        QList<TesseractReading> known;
+        const QString likely = likelyLanguage(picture(*widest), known);
+        inParallel(m_pool, int(m_pieces.size()), [&](int i) {
             // The widest first: the threads end together when the longest work comes first.
-            const qsizetype line = i == 0 ? first : (i <= first ? i - 1 : i);
-            if (!isStopped())
-                readings[size_t(line)] = m_reader.read(likely, textLinePicture(m_ink, boxes[line]));
+            Piece &piece = m_pieces[size_t(i == 0 ? first : (i <= first ? i - 1 : i))];
+            if (!isStopped() && !piece.box.isEmpty()) {
+                piece.reading =
+                    m_reader.read(likely, picture(piece), i == 0 ? known : QList<TesseractReading>());
+            }
         });
         throwIfStopped();
-        agreeOnScripts(boxes, readings);
+        agreeOnScripts();
         QList<RecognizedText> texts;
-        for (qsizetype i = 0; i < boxes.size(); ++i) {
-            const TesseractReading &reading = readings[size_t(i)];
-            const QString text = tidyText(reading);
-            if (isText(reading))
-                texts << RecognizedText{.text = text, .confidence = reading.confidence(), .box = boxes[i]};
+        for (size_t begin = 0; begin < m_pieces.size();) {
+            const size_t end = endOfLine(begin);
+            if (const auto text = textOf(std::span(m_pieces).subspan(begin, end - begin)))
+                texts << *text;
+            begin = end;
         }
         return texts;
     }
 
 private:
-    /// Of the whole picture, as its widest line shows it.
-    QString likelyLanguage(const QRect &box)
+    /// A cell of a line, or all of it.
+    struct Piece
     {
-        const QImage line = textLinePicture(m_ink, box);
-        std::vector<std::optional<TesseractReading>> found(size_t(m_languages.size()));
-        inParallel(m_pool, int(m_languages.size()), [&](int i) {
-            if (!isStopped())
-                found[size_t(i)] = m_engines.read(m_languages[i], line);
-        });
-        throwIfStopped();
-        QList<TesseractReading> readings;
-        for (const auto &reading : found) {
-            if (reading)
-                readings << *reading;
+        int line = 0;
+        QRect box;
+        QString bullet = {};
+        TesseractReading reading = {};
+        double look = 0; ///< of a Chinese script
+    };
+
+    /// Out of the first piece of a line, of which nothing else may be left.
+    void takeBullet(Piece &first) const
+    {
+        if (const auto bullet = listBullet(m_ink, first.box)) {
+            first.bullet = QString(bullet->sign);
+            first.box.setLeft(first.box.left() + bullet->width);
+        }
+    }
+
+    QImage picture(const Piece &piece) const { return textLinePicture(m_ink, piece.box); }
+
+    size_t endOfLine(size_t begin) const
+    {
+        size_t end = begin;
+        while (end < m_pieces.size() && m_pieces[end].line == m_pieces[begin].line)
+            ++end;
+        return end;
+    }
+
+    /// None where nothing is text.
+    static std::optional<RecognizedText> textOf(std::span<const Piece> line)
+    {
+        RecognizedText found;
+        double sum = 0;
+        for (const Piece &piece : line) {
+            if (!isText(piece.reading))
+                continue;
+            const QString text = tidyText(piece.reading);
+            sum += piece.reading.confidence() * double(text.size());
+            found.text += (found.text.isEmpty() ? QString() : QStringLiteral(" ")) + text;
+            found.box |= piece.box;
+            found.confidence = sum / double(found.text.size());
+        }
+        if (found.text.isEmpty())
+            return std::nullopt;
+        if (!line.front().bullet.isEmpty())
+            found.text.prepend(line.front().bullet + u' ');
+        return found;
+    }
+
+    /// Of the whole picture, as its widest piece shows it, whose readings are added. Engines are made for
+    /// scripts that the piece may be in.
+    QString likelyLanguage(const QImage &line, QList<TesseractReading> &readings)
+    {
+        static const QList<QStringList> rounds{
+            {english}, {simplifiedChinese, japanese}, {traditionalChinese, korean}};
+        TesseractReading best;
+        for (const QStringList &round : rounds) {
+            std::vector<std::optional<TesseractReading>> found(size_t(round.size()));
+            inParallel(m_pool, int(round.size()), [&](int i) {
+                if (m_languages.contains(round[i]) && !isStopped())
+                    found[size_t(i)] = m_engines.read(round[i], line);
+            });
+            throwIfStopped();
+            for (const auto &reading : found) {
+                if (reading)
+                    readings << *reading;
+            }
+            best = TesseractLineReader::best(readings);
+            if (TesseractLineReader::isSure(best))
+                break;
         }
         if (readings.isEmpty()) {
             throw TextRecognitionError(QStringLiteral("no data for any of the languages are installed"),
                                        TextRecognitionError::Reason::NotInstalled);
         }
-        const TesseractReading best = TesseractLineReader::best(readings);
+        if (best.language == simplifiedChinese && traditionalLook(best, line) > doubtfulLook &&
+            m_languages.contains(traditionalChinese))
+            return traditionalChinese;
         return best.language.isEmpty() ? readings.first().language : best.language;
     }
 
-    static bool areOfParagraph(const QRect &line, const QRect &next)
+    /// Of one that is Chinese and little else, so that it has one script.
+    static bool areOfParagraph(const Piece &piece, const Piece &next)
     {
-        return next.top() > line.top() && next.top() - line.bottom() <= line.height() * 3 / 2 &&
-               next.left() <= line.right() && next.right() >= line.left();
+        if (!TesseractLineReader::readsChinese(piece.reading) ||
+            !TesseractLineReader::readsChinese(next.reading))
+            return false;
+        if (next.line == piece.line)
+            return true;
+        const QRect &box = piece.box;
+        return next.line == piece.line + 1 && next.box.top() > box.top() &&
+               next.box.top() - box.bottom() <= box.height() * 3 / 2;
     }
 
-    /// Single lines may read as well in the other Chinese script, but a paragraph has one.
-    void agreeOnScripts(const QList<QRect> &boxes, std::vector<TesseractReading> &readings)
+    /// The data for one Chinese script read the other, too, so that the ink tells which one it is. Pieces
+    /// with few letters that tell are written as the rest of their paragraph.
+    void agreeOnScripts()
     {
-        for (qsizetype begin = 0; begin < boxes.size();) {
-            QList<TesseractReading> lines;
-            qsizetype end = begin;
-            while (end < boxes.size() && TesseractLineReader::readsChinese(readings[size_t(end)]) &&
-                   (end == begin || areOfParagraph(boxes[end - 1], boxes[end])))
-                lines << readings[size_t(end++)];
-            const QString script = TesseractLineReader::chineseScript(lines);
-            inParallel(m_pool, int(lines.size()), [&](int i) {
-                if (lines[i].language != script && m_languages.contains(script) && !isStopped()) {
-                    readings[size_t(begin + i)] =
-                        m_reader.readIn(script, textLinePicture(m_ink, boxes[begin + i]));
-                }
-            });
-            throwIfStopped();
-            begin = std::max(end, begin + 1);
+        if (!m_languages.contains(simplifiedChinese) || !m_languages.contains(traditionalChinese))
+            return;
+        std::vector<Piece *> chinese;
+        for (Piece &piece : m_pieces) {
+            const QString &language = piece.reading.language;
+            if (language == simplifiedChinese || language == traditionalChinese)
+                chinese.push_back(&piece);
         }
+        inParallel(m_pool, int(chinese.size()), [&](int i) {
+            Piece &piece = *chinese[size_t(i)];
+            if (!isStopped())
+                piece.look = traditionalLook(piece.reading, picture(piece));
+        });
+        for (auto begin = chinese.begin(); begin != chinese.end();) {
+            auto end = begin + 1;
+            while (end != chinese.end() && areOfParagraph(**(end - 1), **end))
+                ++end;
+            agreeOnScript({begin, end});
+            begin = end;
+        }
+        throwIfStopped();
+    }
+
+    void agreeOnScript(std::span<Piece *const> paragraph)
+    {
+        std::vector<TesseractReading> others(paragraph.size());
+        const auto readOther = [&](size_t i) {
+            const QString &script = paragraph[i]->reading.language;
+            if (others[i].language.isEmpty() && !isStopped()) {
+                others[i] =
+                    m_reader.readIn(script == simplifiedChinese ? traditionalChinese : simplifiedChinese,
+                                    picture(*paragraph[i]));
+            }
+        };
+        double look = 0;
+        for (const Piece *piece : paragraph)
+            look += piece->look;
+        if (std::abs(look) < doubtfulLook) {
+            inParallel(m_pool, int(paragraph.size()), [&](int i) { readOther(size_t(i)); });
+            for (size_t i = 0; i < paragraph.size(); ++i) {
+                const TesseractReading &own = paragraph[i]->reading;
+                const bool isSimplified = own.language == simplifiedChinese;
+                look += traditionalLook(others[i], picture(*paragraph[i])) +
+                        TesseractLineReader::traditionalLead(isSimplified ? own : others[i],
+                                                             isSimplified ? others[i] : own);
+            }
+        }
+        inParallel(m_pool, int(paragraph.size()), [&](int i) {
+            Piece &piece = *paragraph[size_t(i)];
+            const bool isTraditional = (std::abs(piece.look) >= clearLook ? piece.look : look) > 0;
+            if (piece.reading.language == (isTraditional ? traditionalChinese : simplifiedChinese))
+                return;
+            readOther(size_t(i));
+            if (!others[size_t(i)].words.isEmpty())
+                piece.reading = others[size_t(i)];
+        });
     }
 
     bool isStopped() const { return m_stop.stop_requested() || m_end.stop_requested(); }
@@ -174,9 +302,10 @@ private:
     QThreadPool &m_pool;
     const QStringList m_languages;
     TesseractLineReader m_reader;
-    const QImage m_ink;
     const std::stop_token m_stop;
     const std::stop_token m_end;
+    const QImage m_ink;
+    std::vector<Piece> m_pieces;
 };
 
 } // namespace

@@ -32,7 +32,7 @@ public:
     QFuture<QList<RecognizedText>> recognize(TextRecognitionRequest request) override;
     bool isPresent() const override { return m_isPresent; }
 
-    /// Engines that rest, for tests and measurements. Any thread.
+    /// Engines that there are, for tests and measurements. Any thread.
     int warmEngines() const;
 
 private:

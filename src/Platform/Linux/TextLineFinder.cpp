@@ -2,145 +2,26 @@
 #include "Platform/Linux/TextLineFinder.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <functional>
+#include <optional>
 #include <vector>
+
+#include "Platform/Linux/EdgeMap.h"
 
 namespace tovi {
 
 namespace {
 
-constexpr int edgeStep = 28;          ///< of 255: fainter steps are shading, not text
 constexpr qsizetype mostLines = 3000; ///< a large screen full of small text; more are a pattern
 constexpr int lowestBlock = 20;       ///< pixels of lines that touch
-constexpr int smallestLine = 5;       ///< pixels of height
-constexpr double gutter = 1.8;        ///< of a line's height: a gap so wide separates columns
-constexpr double mostBlanks = 2.2;    ///< line heights between words of a line that stands alone
-constexpr int lineOfProse = 7;        ///< line heights: columns of shorter ones are read row by row
-
-struct Span
-{
-    int begin = 0;
-    int end = 0;
-    int length() const { return end - begin; }
-};
-
-/// One byte a pixel, 1 where the picture has an edge.
-class EdgeMap
-{
-public:
-    explicit EdgeMap(const QImage &gray)
-        : m_width(gray.width())
-        , m_height(gray.height())
-        , m_edges(size_t(m_width) * size_t(m_height))
-    {
-        for (int y = 0; y < m_height; ++y) {
-            const uchar *row = gray.constScanLine(y);
-            const uchar *below = gray.constScanLine(std::min(y + 1, m_height - 1));
-            for (int x = 0; x < m_width; ++x) {
-                const int right = row[std::min(x + 1, m_width - 1)];
-                at(x, y) = std::abs(row[x] - right) > edgeStep || std::abs(row[x] - below[x]) > edgeStep;
-            }
-        }
-        findParts();
-    }
-
-    QRect bounds() const { return {0, 0, m_width, m_height}; }
-
-    /// Most connected strokes in a rectangle are lower, as ideographs have many; 0 without any.
-    int letterHeight(const QRect &rect) const
-    {
-        std::vector<int> heights;
-        for (const QRect &part : m_parts) {
-            if (part.height() >= smallestLine && rect.contains(part))
-                heights.push_back(part.height());
-        }
-        if (heights.empty())
-            return 0;
-        const auto high = heights.begin() + std::ptrdiff_t(heights.size() * 9 / 10);
-        std::nth_element(heights.begin(), high, heights.end());
-        return *high;
-    }
-
-    std::vector<int> inkOfRows(const QRect &rect) const
-    {
-        std::vector<int> counts(size_t(rect.height()));
-        for (int y = 0; y < rect.height(); ++y) {
-            const uchar *row = &m_edges[size_t(rect.y() + y) * size_t(m_width) + size_t(rect.x())];
-            counts[size_t(y)] = int(std::count(row, row + rect.width(), 1));
-        }
-        return counts;
-    }
-
-    /// Parts of a rectangle's rows (or columns) that have ink.
-    std::vector<Span> inkedRows(const QRect &rect) const { return spans(inkOfRows(rect), rect.y()); }
-    std::vector<Span> inkedColumns(const QRect &rect) const
-    {
-        std::vector<int> counts(size_t(rect.width()));
-        for (int y = rect.top(); y <= rect.bottom(); ++y) {
-            const uchar *row = &m_edges[size_t(y) * size_t(m_width) + size_t(rect.x())];
-            for (size_t x = 0; x < counts.size(); ++x)
-                counts[x] += row[x];
-        }
-        return spans(counts, rect.x());
-    }
-
-private:
-    size_t index(int x, int y) const { return size_t(y) * size_t(m_width) + size_t(x); }
-    uchar &at(int x, int y) { return m_edges[index(x, y)]; }
-
-    void findParts()
-    {
-        std::vector<uchar> isLeft = m_edges;
-        std::vector<QPoint> part;
-        for (int y = 0; y < m_height; ++y) {
-            for (int x = 0; x < m_width; ++x) {
-                if (isLeft[index(x, y)])
-                    m_parts.push_back(takePart({x, y}, isLeft, part));
-            }
-        }
-    }
-
-    QRect takePart(QPoint start, std::vector<uchar> &isLeft, std::vector<QPoint> &part) const
-    {
-        part.assign(1, start);
-        isLeft[index(start.x(), start.y())] = 0;
-        QRect box(start, QSize(1, 1));
-        for (size_t i = 0; i < part.size(); ++i) {
-            const QPoint point = part[i];
-            box |= QRect(point, QSize(1, 1));
-            for (int y = std::max(point.y() - 1, 0); y <= std::min(point.y() + 1, m_height - 1); ++y) {
-                for (int x = std::max(point.x() - 1, 0); x <= std::min(point.x() + 1, m_width - 1); ++x) {
-                    if (isLeft[index(x, y)]) {
-                        isLeft[index(x, y)] = 0;
-                        part.emplace_back(x, y);
-                    }
-                }
-            }
-        }
-        return box;
-    }
-
-    static std::vector<Span> spans(const std::vector<int> &counts, int offset)
-    {
-        std::vector<Span> found;
-        int begin = -1;
-        for (int i = 0; i <= int(counts.size()); ++i) {
-            const bool isInked = i < int(counts.size()) && counts[size_t(i)] > 0;
-            if (isInked && begin < 0)
-                begin = i;
-            if (!isInked && begin >= 0) {
-                found.push_back({begin + offset, i + offset});
-                begin = -1;
-            }
-        }
-        return found;
-    }
-
-    int m_width;
-    int m_height;
-    std::vector<uchar> m_edges;
-    std::vector<QRect> m_parts;
-};
+constexpr int smallestLine = EdgeMap::smallestLine;
+constexpr double gutter = 1.8;       ///< of a line's height: a gap so wide separates columns
+constexpr double mostBlanks = 2.2;   ///< line heights between words of a line that stands alone
+constexpr double proseGutter = 0.9;  ///< the same where prose stands on both sides
+constexpr double cellGap = 1.5;      ///< of a line's height between the cells of a line
+constexpr int lineOfProse = 7;       ///< line heights: columns of shorter ones are read row by row
+constexpr double proseStep = 1.75;   ///< line heights from one line of prose to the next
+constexpr qsizetype fewestLines = 3; ///< of a column of prose
 
 class LineFinder
 {
@@ -150,7 +31,7 @@ public:
         , m_edges(gray)
     {}
 
-    QList<QRect> find()
+    QList<TextLine> find()
     {
         const std::vector<Span> rows = m_edges.inkedRows(m_edges.bounds());
         m_lineHeight = typicalHeight(rows);
@@ -219,16 +100,22 @@ private:
         return rows;
     }
 
-    std::vector<Span> columnsOf(const QRect &rect, int height) const
+    /// Ink with narrow gaps in it.
+    static std::vector<Span> joined(const std::vector<Span> &spans, double gutterWidth)
     {
         std::vector<Span> columns;
-        for (const Span &span : m_edges.inkedColumns(rect)) {
-            if (!columns.empty() && span.begin - columns.back().end < int(gutter * height))
+        for (const Span &span : spans) {
+            if (!columns.empty() && span.begin - columns.back().end < int(gutterWidth))
                 columns.back().end = span.end;
             else
                 columns.push_back(span);
         }
         return columns;
+    }
+
+    std::vector<Span> columnsOf(const QRect &rect) const
+    {
+        return joined(m_edges.inkedColumns(rect), gutter * m_lineHeight);
     }
 
     static QRect rowRect(const QRect &rect, int top, int bottom)
@@ -240,12 +127,16 @@ private:
     {
         const std::vector<Span> rows = rowsOf(rect);
         for (size_t i = 0; i < rows.size() && !isOver();) {
-            // As many rows as share a gutter are columns, which are read one after the other.
             std::vector<Span> columns;
             size_t end = i;
+            if (const auto prose = proseFrom(rect, rows, i)) {
+                readColumns(prose->columns, rowRect(rect, rows[i].begin, rows[prose->end - 1].end));
+                i = prose->end;
+                continue;
+            }
+            // As many rows as share a gutter are columns, which are read one after the other.
             for (size_t next = i; next < rows.size() && !isOver(); ++next) {
-                const std::vector<Span> wider =
-                    columnsOf(rowRect(rect, rows[i].begin, rows[next].end), m_lineHeight);
+                const std::vector<Span> wider = columnsOf(rowRect(rect, rows[i].begin, rows[next].end));
                 if (wider.size() < 2 || (!columns.empty() && wider.size() != columns.size()))
                     break;
                 columns = wider;
@@ -262,18 +153,80 @@ private:
                     addLines(rowRect(rect, rows[i].begin, rows[i].end));
                 continue;
             }
-            for (const Span &column : columns) {
-                const QRect ofColumn(column.begin, part.top(), column.length(), part.height());
-                if (columnsOf(ofColumn, m_lineHeight).size() == 1 && rowsOf(ofColumn).size() == 1)
-                    addLines(ofColumn);
-                else
-                    split(ofColumn);
-            }
+            readColumns(columns, part);
             i = end;
         }
     }
 
-    /// Whether columns are read across: their lines stand side by side, and are no lines of prose.
+    void readColumns(const std::vector<Span> &columns, const QRect &rect)
+    {
+        for (const Span &column : columns) {
+            const QRect part(column.begin, rect.top(), column.length(), rect.height());
+            if (columnsOf(part).size() == 1 && rowsOf(part).size() == 1)
+                addLines(part);
+            else
+                split(part);
+        }
+    }
+
+    struct Prose
+    {
+        std::vector<Span> columns;
+        size_t end = 0; ///< the row after it
+    };
+
+    /// Columns of prose need a narrow gutter only: blanks of prose do not stand below each other by chance.
+    std::optional<Prose> proseFrom(const QRect &rect, const std::vector<Span> &rows, size_t first) const
+    {
+        Prose prose;
+        size_t cellsOfFirst = 0;
+        std::vector<int> ink(size_t(rect.width()));
+        for (size_t next = first; next < rows.size() && !isOver(); ++next) {
+            const std::vector<int> ofRow =
+                m_edges.inkOfColumns(rowRect(rect, rows[next].begin, rows[next].end));
+            std::ranges::transform(ink, ofRow, ink.begin(), std::plus());
+            const std::vector<Span> columns =
+                joined(EdgeMap::spans(ink, rect.x()), proseGutter * m_lineHeight);
+            if (columns.size() < 2)
+                break;
+            if (next == first)
+                cellsOfFirst = columns.size();
+            prose = {columns, next + 1};
+        }
+        if (prose.columns.empty() || prose.columns.size() < cellsOfFirst)
+            return std::nullopt;
+        const QRect part = rowRect(rect, rows[first].begin, rows[prose.end - 1].end);
+        const bool isProse = std::ranges::all_of(prose.columns, [&](const Span &column) {
+            return isColumnOfProse({column.begin, part.top(), column.length(), part.height()});
+        });
+        return isProse ? std::optional(prose) : std::nullopt;
+    }
+
+    /// Most lines of prose are full, and close to each other or nearly all of them full.
+    bool isColumnOfProse(const QRect &rect) const
+    {
+        const std::vector<Span> rows = rowsOf(rect);
+        const auto count = qsizetype(rows.size());
+        const int words = int(m_edges.inkedColumns(rect).size());
+        if (count < fewestLines || rect.width() < m_lineHeight * lineOfProse ||
+            rect.width() < m_lineHeight * words * 2)
+            return false;
+        qsizetype full = 0;
+        std::vector<int> steps;
+        for (size_t i = 0; i < rows.size(); ++i) {
+            const auto ink = m_edges.inkedColumns(rowRect(rect, rows[i].begin, rows[i].end));
+            full += (ink.back().end - ink.front().begin) * 10 >= rect.width() * 7;
+            if (i > 0)
+                steps.push_back(rows[i].begin - rows[i - 1].begin);
+        }
+        const auto middle = steps.begin() + std::ptrdiff_t(steps.size() / 2);
+        std::nth_element(steps.begin(), middle, steps.end());
+        const bool isDense = *middle <= m_lineHeight * proseStep;
+        // The last line of a paragraph is often short.
+        return isDense ? (full + 1) * 4 >= count * 3 : full * 20 >= count * 17;
+    }
+
+    /// Whether columns are read across: their lines stand side by side.
     bool isTable(const QRect &rect, const std::vector<Span> &columns) const
     {
         const std::vector<Span> rows = rowsOf(rect);
@@ -284,29 +237,18 @@ private:
             return widest <= m_lineHeight * mostBlanks;
         }
         std::vector<int> cellsOfRow(rows.size());
-        int proseColumns = 0;
         for (const Span &column : columns) {
             const QRect part(column.begin, rect.y(), column.length(), rect.height());
-            std::vector<int> widths;
             for (const Span &cell : rowsOf(part)) {
                 const auto row = std::ranges::find_if(
                     rows, [&](const Span &row) { return row.begin <= cell.begin && row.end >= cell.end; });
                 if (row == rows.end() || row->length() > cell.length() + m_lineHeight)
                     return false;
                 ++cellsOfRow[size_t(row - rows.begin())];
-                const auto ink =
-                    m_edges.inkedColumns({column.begin, cell.begin, column.length(), cell.length()});
-                widths.push_back(ink.back().end - ink.front().begin);
             }
-            const auto middle = widths.begin() + std::ptrdiff_t(widths.size() / 2);
-            std::nth_element(widths.begin(), middle, widths.end());
-            // Blanks of prose do not stand below each other, as those of lists and terminals do.
-            const int words = int(m_edges.inkedColumns(part).size());
-            proseColumns += *middle >= m_lineHeight * lineOfProse && *middle * 10 >= column.length() * 7 &&
-                            column.length() >= m_lineHeight * words * 2;
         }
         const auto shared = std::ranges::count_if(cellsOfRow, [](int cells) { return cells > 1; });
-        return proseColumns < 2 && shared * 2 >= qsizetype(rows.size());
+        return shared * 2 >= qsizetype(rows.size());
     }
 
     bool isOver() const { return m_lines.size() >= mostLines || m_isStopped(); }
@@ -323,21 +265,24 @@ private:
         const std::vector<Span> rows = m_edges.inkedRows(rect);
         if (columns.empty() || rows.empty())
             return;
-        const QRect box(columns.front().begin, rows.front().begin, columns.back().end - columns.front().begin,
-                        rows.back().end - rows.front().begin);
-        if (box.height() >= smallestLine && box.width() >= 3)
-            m_lines << box;
+        const int height = rows.back().end - rows.front().begin;
+        if (height < smallestLine || columns.back().end - columns.front().begin < 3)
+            return;
+        TextLine line;
+        for (const Span &cell : joined(columns, cellGap * std::max(height, m_lineHeight)))
+            line << QRect(cell.begin, rows.front().begin, cell.length(), height);
+        m_lines << line;
     }
 
     const std::function<bool()> &m_isStopped;
     EdgeMap m_edges;
     int m_lineHeight = smallestLine;
-    QList<QRect> m_lines;
+    QList<TextLine> m_lines;
 };
 
 } // namespace
 
-QList<QRect> findTextLines(const QImage &ink, const std::function<bool()> &isStopped)
+QList<TextLine> findTextLines(const QImage &ink, const std::function<bool()> &isStopped)
 {
     if (ink.isNull())
         return {};

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <cstring>
 
 namespace tovi {
@@ -13,7 +12,6 @@ namespace {
 constexpr int margin = 3;     ///< pixels of the screen that are taken around the ink
 constexpr int border = 10;    ///< pixels of background around the enlarged line
 constexpr int smallText = 24; ///< pixels of ink's height that are enlarged to twice their size
-constexpr int faintest = 24;  ///< of 255: less is no ink
 constexpr int widest = 8000;  ///< pixels; the recogniser's time and memory go with it
 
 uchar median(const QImage &gray)
@@ -31,27 +29,6 @@ uchar median(const QImage &gray)
     return uchar(value);
 }
 
-/// Without the wide gaps of tables, where the recogniser sees letters or loses some.
-QImage withNarrowGaps(const QImage &line, uchar background, int widestGap)
-{
-    QImage narrow(line.size(), line.format());
-    narrow.fill(background);
-    int width = 0;
-    int blanks = 0;
-    for (int x = 0; x < line.width(); ++x) {
-        bool isBlank = true;
-        for (int y = 0; y < line.height() && isBlank; ++y)
-            isBlank = std::abs(line.constScanLine(y)[x] - background) <= faintest;
-        blanks = isBlank ? blanks + 1 : 0;
-        if (blanks > widestGap)
-            continue;
-        for (int y = 0; y < line.height(); ++y)
-            narrow.scanLine(y)[width] = line.constScanLine(y)[x];
-        ++width;
-    }
-    return narrow.copy(0, 0, width, line.height());
-}
-
 } // namespace
 
 QImage textLinePicture(const QImage &ink, const QRect &box)
@@ -62,7 +39,6 @@ QImage textLinePicture(const QImage &ink, const QRect &box)
         line.invertPixels();
         background = uchar(255 - background);
     }
-    line = withNarrowGaps(line, background, box.height());
     double scale = box.height() <= smallText ? 2 : 2.0 * smallText / box.height();
     scale = std::min(scale, double(widest) / line.width());
     const QSize size(std::max(1, int(line.width() * scale)), std::max(1, int(line.height() * scale)));

@@ -6,8 +6,8 @@
 
 namespace tovi {
 
-/// A line of a screen's ink as a recogniser likes it: dark on light, enlarged, without wide gaps, with a
-/// border. Any thread.
+/// A line of a screen's ink as a recogniser likes it: dark on light, enlarged, with a border. Any
+/// thread.
 QImage textLinePicture(const QImage &ink, const QRect &box);
 
 } // namespace tovi

@@ -127,7 +127,7 @@ TEST(Appcast, NotesAreText)
     const std::pair<const char *, const char *> cases[] = {
         {"plain\nlines & more, 1 < 2", "plain\nlines & more, 1 < 2"},
         {"<h2>New</h2><ul><li>One</li><li>Two &amp; &#x41;&eacute;</li></ul>",
-         "New\n\n• One\n\n• Two & A&eacute;"},
+         "New\n\n• One\n• Two & A&eacute;"},
         {"a<script>evil()</script>b<STYLE>p{}</style >c<!-- <p>hidden -->d", "abcd"},
         {"<img src='https://tracker'>text<script>", "text"},
         {"cut <p", "cut"},

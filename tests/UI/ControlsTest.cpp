@@ -12,6 +12,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "Support/TestPlatform.h"
 #include "UI/Controls/IconButton.h"
 #include "UI/Controls/Lucide.h"
 #include "UI/Controls/MenuPresenter.h"
@@ -217,6 +218,7 @@ protected:
     }
     double titleWidth() const { return QFontMetricsF(button->font()).horizontalAdvance(button->title()); }
 
+    TestPlatform platform;
     QWidget window;
     PopupMenuButton *button = new PopupMenuButton(&window);
     std::vector<std::string> chosen;
@@ -305,6 +307,7 @@ TEST(MenuPresenter, TypedLettersChooseTheNextItemThatBeginsWithThem)
         {9000, "d", "Disk && Co"}, {9, "i", "Disk && Co"}, {9000, "e", "Español 2"},
         {9000, "D", "Deutsch"},
     };
+    const TestPlatform platform;
     QWidget window;
     window.show();
     auto made = MenuPresenter::makeMenu();
@@ -324,6 +327,7 @@ TEST(MenuPresenter, TypedLettersChooseTheNextItemThatBeginsWithThem)
 
 TEST(MenuPresenter, ALongMenuStaysOnTheScreen)
 {
+    const TestPlatform platform;
     QWidget window;
     window.show();
     const QRect screen = window.screen()->availableGeometry();

@@ -126,6 +126,7 @@ void TranslationSettingsView::addProvider(ProviderKind kind)
     m_settings.addProvider(config);
     select(config.id);
     m_settings.currentProviderID = config.id;
+    m_editor->editName();
 }
 
 void TranslationSettingsView::duplicate(const ProviderConfig &config)
@@ -136,6 +137,7 @@ void TranslationSettingsView::duplicate(const ProviderConfig &config)
     copy.isBuiltIn = false;
     m_settings.addProvider(copy);
     select(copy.id);
+    m_editor->editName();
 }
 
 bool TranslationSettingsView::canRemoveSelected() const
@@ -177,10 +179,8 @@ QWidget *TranslationSettingsView::makeSidebar()
 
     auto *sidebar = new QWidget;
     // Room for the name that new engines have, within limits.
-    const QFontMetrics metrics(FormStyle::font(FormStyle::bodySize));
-    const int name = metrics.horizontalAdvance(ProviderEditor::kindTitle(ProviderKind::openAI));
-    sidebar->setFixedWidth(
-        std::clamp(name + ProviderList::roomBesideName + margin, sidebarWidth, widestSidebar));
+    const int width = ProviderList::widthFor(ProviderEditor::kindTitle(ProviderKind::openAI)) + margin;
+    sidebar->setFixedWidth(std::clamp(width, sidebarWidth, widestSidebar));
     auto *column = new QVBoxLayout(sidebar);
     // The scroll bar's place is part of the margin.
     column->setContentsMargins(margin, margin, 0, margin);
@@ -236,6 +236,7 @@ void TranslationSettingsView::select(const QUuid &id)
             old->hide();
             old->deleteLater();
         }
+        m_editor->onKeyboardLeft = [this](Qt::FocusReason reason) { m_list->setFocus(reason); };
         m_columns->addWidget(m_editor, 1);
         m_editor->show(); // in this turn: the old one has gone
     }
@@ -246,6 +247,8 @@ void TranslationSettingsView::refresh()
 {
     m_isRefreshPending = false;
     m_list->showProviders(m_settings.providers, m_settings.currentProviderID, m_selectedProviderID);
+    if (!canRemoveSelected() && m_remove->hasFocus())
+        m_list->setFocus(Qt::TabFocusReason);
     m_remove->setEnabled(canRemoveSelected());
 }
 

@@ -65,6 +65,9 @@ TEST_F(ScreenSelectionTest, AnswersADragInScreenCoordinates)
         {0, {100, 50}, {400, 250}, {100, 650, 300, 200}},
         {0, {400, 250}, {100, 50}, {100, 650, 300, 200}},
         {1, {10, 600}, {18, 608}, {-990, 192, 8, 8}},
+        // From the first to the last pixel, and from the last one back.
+        {1, {0, 0}, {999, 699}, {-1000, 100, 1000, 700}},
+        {0, {1439, 899}, {1000, 500}, {1000, 0, 440, 400}},
         // Too small: an area around the point where the button went up, cut off at the display's edge.
         {0, {700, 300}, {707, 500}, {527, 330, 360, 140}},
         {1, {990, 10}, {990, 10}, {-190, 720, 190, 80}},

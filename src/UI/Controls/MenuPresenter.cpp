@@ -78,8 +78,6 @@ std::unique_ptr<QMenu> makeMenu(const QString &title)
     menu->installEventFilter(new TypeAhead(*menu));
     QFont font = menu->font();
     font.setPixelSize(13);
-    // Hinted at this size, Chinese and Japanese are as dark as bold beside the other languages' names.
-    font.setHintingPreference(QFont::PreferNoHinting);
     menu->setFont(font);
     return menu;
 }

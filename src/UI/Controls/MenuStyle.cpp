@@ -73,31 +73,27 @@ void drawItem(const QStyleOptionMenuItem &item, QPainter &painter)
                                                              : QIcon::Disabled);
         rest.setLeft(rest.left() + iconColumn);
     }
-    painter.setPen(color);
-    painter.setFont(item.font);
-    const auto drawText = [&](const QRect &room, const QString &text, Qt::Alignment side) {
-        painter.drawText(
-            place(room),
-            static_cast<int>(Qt::AlignVCenter | QStyle::visualAlignment(item.direction, side)) |
-                Qt::TextSingleLine | Qt::TextHideMnemonic,
-            item.fontMetrics.elidedText(text, Qt::ElideRight, room.width(), Qt::TextShowMnemonic));
-    };
     if (item.menuItemType == QStyleOptionMenuItem::SubMenu) {
         const QRect column(rest.right() + 1 - arrowColumn, rest.top(), arrowColumn, rest.height());
         SystemSymbol::image(QStringLiteral("chevron.right"), 11, IconWeight::semibold)
             .paint(painter, place(column), color);
         rest.setRight(column.left());
     }
+    painter.setFont(item.font);
+    const auto drawText = [&](const QRect &room, const QString &text, Qt::Alignment side) {
+        const Qt::Alignment alignment = Qt::AlignVCenter | QStyle::visualAlignment(item.direction, side);
+        painter.drawText(place(room), int(alignment) | Qt::TextSingleLine | Qt::TextHideMnemonic, text);
+    };
     if (const QString shortcut = keys(item); !shortcut.isEmpty()) {
-        QRect column = rest;
-        column.setLeft(rest.right() + 1 - item.reservedShortcutWidth);
-        rest.setRight(column.left() - shortcutGap / 2);
-        if (!isChosen && item.state & QStyle::State_Enabled)
-            painter.setPen(SystemColor::secondaryLabel(item.palette));
-        drawText(column, shortcut, Qt::AlignRight);
-        painter.setPen(color);
+        const bool isSecondary = !isChosen && item.state & QStyle::State_Enabled;
+        painter.setPen(isSecondary ? SystemColor::secondaryLabel(item.palette) : color);
+        drawText(rest, shortcut, Qt::AlignRight);
+        rest.setRight(rest.right() - item.reservedShortcutWidth - shortcutGap / 2);
     }
-    drawText(rest, title(item), Qt::AlignLeft);
+    painter.setPen(color);
+    drawText(rest,
+             item.fontMetrics.elidedText(title(item), Qt::ElideRight, rest.width(), Qt::TextShowMnemonic),
+             Qt::AlignLeft);
 }
 
 } // namespace

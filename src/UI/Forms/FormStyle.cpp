@@ -27,7 +27,6 @@ QFont font(int pixels, QFont::Weight weight)
     QFont font = QApplication::font();
     font.setPixelSize(pixels);
     font.setWeight(weight);
-    font.setHintingPreference(QFont::PreferNoHinting); // as in menus
     return font;
 }
 

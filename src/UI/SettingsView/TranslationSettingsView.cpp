@@ -27,7 +27,7 @@ namespace tovi {
 namespace {
 
 constexpr int sidebarWidth = 190;
-constexpr int widestSidebar = 216;
+constexpr int widestSidebar = 238;
 constexpr int margin = 8;
 
 QString t(Str key)

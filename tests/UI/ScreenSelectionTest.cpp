@@ -111,11 +111,20 @@ TEST_F(ScreenSelectionTest, IsCancelledOnce)
     platform.clock().advance(1s);
     EXPECT_EQ(answers.size(), 3);
 
-    platform.workspace().screenList.clear();
+    // Displays that change meanwhile are covered anew, as long as there are any.
+    begin();
+    for (const qsizetype left : {1, 0}) {
+        platform.workspace().screenList.resize(left);
+        Q_EMIT qGuiApp->screenRemoved(QGuiApplication::primaryScreen());
+        drainMainQueue();
+        EXPECT_EQ(platform.panelHost().open.size(), left);
+        platform.clock().advance(1s);
+        EXPECT_EQ(answers.size(), left ? 3 : 4);
+    }
     begin();
     platform.clock().advance(1s);
     EXPECT_TRUE(isOver());
-    EXPECT_EQ(answers.size(), 3);
+    EXPECT_EQ(answers.size(), 4);
 }
 
 /// How much of the light below comes through, 0 to 255, at a point from the top-left corner.

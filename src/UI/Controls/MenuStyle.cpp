@@ -160,16 +160,18 @@ void MenuStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *opti
         return;
     if (element != PE_PanelMenu)
         return QProxyStyle::drawPrimitive(element, option, painter, widget);
-    // Corners that nothing blends would be black.
-    const bool isRound = Platform::current().panelHost().isCompositing();
-    const double radius = isRound ? panelRadius : 0;
+    // Corners that nothing blends would be black. In the dark what is in front is lighter.
+    const double radius = Platform::current().panelHost().isCompositing() ? panelRadius : 0;
+    const QColor ground =
+        option->palette.color(SystemColor::isDark(option->palette) ? QPalette::Button : QPalette::Base);
+    const QRectF frame = QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5);
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
-    painter->setPen(SystemColor::separator(option->palette));
-    // In the dark what is in front is lighter.
-    painter->setBrush(
-        option->palette.color(SystemColor::isDark(option->palette) ? QPalette::Button : QPalette::Base));
-    painter->drawRoundedRect(QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+    for (const QColor &line : {ground, SystemColor::separator(option->palette)}) {
+        painter->setPen(line);
+        painter->setBrush(ground);
+        painter->drawRoundedRect(frame, radius, radius);
+    }
     painter->restore();
 }
 

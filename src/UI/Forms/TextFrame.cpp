@@ -36,7 +36,7 @@ int TextFrame::heightFor(const QString &text, int width) const
     const int room = width - margins.left() - margins.right() - OverlayScrollBar::width - 2 * inset;
     const QRect bounds =
         m_text->fontMetrics().boundingRect(QRect(0, 0, room, 0), Qt::TextWordWrap, text.left(measuredText));
-    return bounds.height() + margins.top() + margins.bottom() + 2 * inset;
+    return bounds.height() + margins.top() + margins.bottom() + 4 * inset;
 }
 
 bool TextFrame::eventFilter(QObject *watched, QEvent *event)

@@ -26,6 +26,7 @@ constexpr int rowHeight = 44;
 constexpr int sidePadding = 9;
 constexpr int iconSide = 18;
 constexpr int gap = 8;
+constexpr int badgeGap = 6;
 constexpr int subtitleSize = 10;
 
 QString subtitle(const ProviderConfig &config)
@@ -91,7 +92,7 @@ public:
             QRect place(QPoint(), CapsuleBadge::sizeOf(badge()) - QSize(0, 3));
             place.moveCenter(below.center());
             place.moveRight(room.right());
-            below.setRight(place.left() - gap);
+            below.setRight(place.left() - badgeGap);
             CapsuleBadge::paint(*painter, place, badge(), color, isSelected ? color : secondary);
         }
         paintText(*painter, title, font, color, name);
@@ -133,7 +134,7 @@ int ProviderList::widthFor(const QString &name)
     const int title = QFontMetrics(FormStyle::font(FormStyle::bodySize)).horizontalAdvance(name);
     const int below = QFontMetrics(FormStyle::font(subtitleSize))
                           .horizontalAdvance(subtitle(ProviderConfig::makeGoogle())) +
-                      gap + CapsuleBadge::sizeOf(badge()).width();
+                      badgeGap + CapsuleBadge::sizeOf(badge()).width();
     return std::max(title, below) + 2 * sidePadding + iconSide + gap + OverlayScrollBar::width + 1;
 }
 

@@ -27,7 +27,8 @@ namespace tovi {
 namespace {
 
 constexpr int sidebarWidth = 190;
-constexpr int widestSidebar = 238;
+constexpr int widestSidebar = 216; ///< in the narrowest pane
+constexpr int narrowestPane = 520;
 constexpr int margin = 8;
 
 QString t(Str key)
@@ -177,11 +178,8 @@ QWidget *TranslationSettingsView::makeSidebar()
     });
     buttons->addStretch(1);
 
-    auto *sidebar = new QWidget;
-    // Room for the name that new engines have, within limits.
-    const int width = ProviderList::widthFor(ProviderEditor::kindTitle(ProviderKind::openAI)) + margin;
-    sidebar->setFixedWidth(std::clamp(width, sidebarWidth, widestSidebar));
-    auto *column = new QVBoxLayout(sidebar);
+    m_sidebar = new QWidget;
+    auto *column = new QVBoxLayout(m_sidebar);
     // The scroll bar's place is part of the margin.
     column->setContentsMargins(margin, margin, 0, margin);
     column->setSpacing(6);
@@ -192,7 +190,16 @@ QWidget *TranslationSettingsView::makeSidebar()
     below->addWidget(new Line(Qt::Horizontal));
     below->addLayout(buttons);
     column->addLayout(below);
-    return sidebar;
+    return m_sidebar;
+}
+
+void TranslationSettingsView::resizeEvent(QResizeEvent *event)
+{
+    // Room for the name that new engines have, as far as the editor can spare it.
+    const int wanted = ProviderList::widthFor(ProviderEditor::kindTitle(ProviderKind::openAI)) + margin;
+    const int widest = widestSidebar + std::max(0, (width() - narrowestPane) / 2);
+    m_sidebar->setFixedWidth(std::clamp(wanted, sidebarWidth, widest));
+    QWidget::resizeEvent(event);
 }
 
 void TranslationSettingsView::showMenu(const QUuid &id, const QPoint &at)

@@ -251,17 +251,6 @@ TEST_F(SettingsWindowTest, TheKeyboardReachesEverything)
     }
 }
 
-TEST_F(SettingsWindowTest, TheKeyboardStaysWithTheEnginesWhenTheEditorChanges)
-{
-    show(SettingsPane::translation);
-    auto *list = window()->findChild<QListWidget *>();
-    list->setCurrentRow(list->count() - 1);
-    drainMainQueue();
-    find<QLineEdit>(Str::model)->setFocus(Qt::MouseFocusReason);
-    find<QAbstractButton>(Str::providerDuplicate)->click();
-    EXPECT_EQ(window()->focusWidget(), find<QLineEdit>(Str::providerName));
-}
-
 TEST_F(SettingsWindowTest, KeysOpenTheMenuBarAndAreNotTyped)
 {
     std::vector<std::unique_ptr<QMenu>> menus;

@@ -26,7 +26,7 @@ constexpr int rowHeight = 44;
 constexpr int sidePadding = 9;
 constexpr int iconSide = 18;
 constexpr int gap = 8;
-constexpr int badgeGap = 6;
+constexpr int badgeGap = 4;
 constexpr int subtitleSize = 10;
 
 QString subtitle(const ProviderConfig &config)
@@ -45,6 +45,12 @@ QString subtitle(const ProviderConfig &config)
 QString badge()
 {
     return Localization::shared().t(Str::providerDefaultBadge);
+}
+
+/// As small as the line beside it.
+QSize badgeSize()
+{
+    return CapsuleBadge::sizeOf(badge()) - QSize(6, 3);
 }
 
 class RowDelegate final : public QStyledItemDelegate
@@ -89,7 +95,7 @@ public:
         below.moveTop(title.bottom() + 1);
         if (isDefault) {
             // In the second line, which is the shorter one, whatever the engine is called.
-            QRect place(QPoint(), CapsuleBadge::sizeOf(badge()) - QSize(0, 3));
+            QRect place(QPoint(), badgeSize());
             place.moveCenter(below.center());
             place.moveRight(room.right());
             below.setRight(place.left() - badgeGap);
@@ -134,7 +140,7 @@ int ProviderList::widthFor(const QString &name)
     const int title = QFontMetrics(FormStyle::font(FormStyle::bodySize)).horizontalAdvance(name);
     const int below = QFontMetrics(FormStyle::font(subtitleSize))
                           .horizontalAdvance(subtitle(ProviderConfig::makeGoogle())) +
-                      badgeGap + CapsuleBadge::sizeOf(badge()).width();
+                      badgeGap + badgeSize().width();
     return std::max(title, below) + 2 * sidePadding + iconSide + gap + OverlayScrollBar::width + 1;
 }
 

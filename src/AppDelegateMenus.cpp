@@ -52,7 +52,7 @@ void AppDelegate::setupMainMenu()
 
 std::unique_ptr<QMenu> AppDelegate::makeApplicationMenu()
 {
-    auto menu = std::make_unique<QMenu>(MenuPresenter::literalTitle(BundleInformation::name()));
+    auto menu = MenuPresenter::makeMenu(BundleInformation::name());
     const auto add = [this, &menu](Str key, auto action, std::optional<QKeyCombination> keys = {}) {
         QAction *item = menu->addAction(title(key), this, action);
         if (keys) {
@@ -95,7 +95,7 @@ std::unique_ptr<QMenu> AppDelegate::makeEditMenu()
         {Str::menuDelete, TextEditing::remove, {}},
         {Str::menuSelectAll, TextEditing::selectAll, Qt::CTRL | Qt::Key_A},
     };
-    auto menu = std::make_unique<QMenu>(title(Str::menuEdit));
+    auto menu = MenuPresenter::makeMenu(Localization::shared().t(Str::menuEdit));
     for (const Entry &entry : entries) {
         QAction *item =
             menu->addAction(title(entry.title), this, [editing = entry.editing] { edit(editing); });
@@ -117,7 +117,7 @@ std::unique_ptr<QMenu> AppDelegate::makeEditMenu()
 
 void AppDelegate::setupStatusItem()
 {
-    m_statusMenu = std::make_unique<QMenu>();
+    m_statusMenu = MenuPresenter::makeMenu();
     connect(m_statusMenu.get(), &QMenu::aboutToShow, this, [this] { rebuildMenu(m_statusMenu.get()); });
     rebuildMenu(m_statusMenu.get());
     m_statusBar = Platform::current().application().watchStatusBar([this] { statusBarChanged(); });
@@ -164,7 +164,7 @@ void AppDelegate::rebuildMenu(QMenu *menu)
     menu->addAction(title(Str::menuCheckUpdates), this, &AppDelegate::checkForUpdates)
         ->setEnabled(BundleInformation::canLookForUpdates());
     menu->addSeparator();
-    setupLanguageMenu(menu->addMenu(title(Str::menuTranslateTo)));
+    setupLanguageMenu(MenuPresenter::addSubmenu(*menu, Localization::shared().t(Str::menuTranslateTo)));
     menu->addSeparator();
     menu->addAction(title(Str::menuQuit), this, &AppDelegate::quit)->setShortcut(commandQ);
 }

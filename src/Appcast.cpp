@@ -305,7 +305,7 @@ QString Appcast::plainText(QStringView html)
 {
     static const QRegularExpression unseen(QStringLiteral("^(script|style|head|title)$"));
     static const QRegularExpression lines(
-        QStringLiteral("^(br|p|div|h[1-6]|ul|ol|li|tr|table|section|article|blockquote|pre|hr)$"));
+        QStringLiteral("^(br|p|div|h[1-6]|ul|ol|tr|table|section|article|blockquote|pre|hr)$"));
     QString text;
     for (qsizetype i = 0; i < html.size() && text.size() < longestNotes;) {
         if (html[i] == u'&') {
@@ -332,9 +332,10 @@ QString Appcast::plainText(QStringView html)
             ++length;
         const QString name = tag.sliced(isEnd ? 1 : 0, length - (isEnd ? 1 : 0)).toString().toLower();
         i = close + (isComment ? 3 : 1);
-        if (lines.match(name).hasMatch())
-            text +=
-                name == QLatin1String("li") && !isEnd ? QStringLiteral("\n\u2022 ") : QStringLiteral("\n");
+        if (name == QLatin1String("li"))
+            text += isEnd ? QString() : QStringLiteral("\n\u2022 ");
+        else if (lines.match(name).hasMatch())
+            text += u'\n';
         if (!isEnd && unseen.match(name).hasMatch()) {
             const qsizetype end = html.indexOf(QString(QStringLiteral("</") + name), i, Qt::CaseInsensitive);
             i = end < 0 ? html.size() : end;

@@ -44,6 +44,8 @@ public:
     /// is key, all keys of the desktop go to it until it goes. Keys and closing are the content's: onEscape
     /// is not called.
     virtual std::unique_ptr<Panel> makeOverlay(std::unique_ptr<QWidget> content) = 0;
+    /// Whether translucent windows are blended with what is behind them. May change at any time.
+    virtual bool isCompositing() const = 0;
 };
 
 } // namespace tovi

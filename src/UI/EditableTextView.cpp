@@ -73,6 +73,8 @@ void EditableTextView::keyPressEvent(QKeyEvent *event)
         emit submitted();
     } else if (event->matches(QKeySequence::Paste)) {
         perform(TextEditing::paste, *this);
+    } else if (isMeantForMenus(*event)) {
+        event->ignore();
     } else {
         QPlainTextEdit::keyPressEvent(event);
     }

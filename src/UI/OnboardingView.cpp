@@ -2,7 +2,6 @@
 #include "UI/OnboardingView.h"
 
 #include <QBoxLayout>
-#include <QEvent>
 #include <QKeySequence>
 #include <QPainter>
 #include <QShortcut>
@@ -53,9 +52,8 @@ protected:
 } // namespace
 
 OnboardingView::OnboardingView(std::function<void()> onFinish, QWidget *parent)
-    : QWidget(parent)
+    : FittedView(viewWidth, parent)
 {
-    setFixedWidth(viewWidth);
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(padding, padding, padding, padding);
     column->setSpacing(spacing);
@@ -96,14 +94,6 @@ OnboardingView::OnboardingView(std::function<void()> onFinish, QWidget *parent)
         connect(new QShortcut(QKeySequence(key), this), &QShortcut::activated, finish,
                 &QAbstractButton::click);
     setFocusProxy(finish);
-}
-
-bool OnboardingView::event(QEvent *event)
-{
-    // The window is as high as the wrapped texts; by themselves windows do not ask how high that is.
-    if (event->type() == QEvent::LayoutRequest || event->type() == QEvent::Polish)
-        setFixedHeight(layout()->totalHeightForWidth(viewWidth));
-    return QWidget::event(event);
 }
 
 } // namespace tovi

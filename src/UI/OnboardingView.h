@@ -3,20 +3,17 @@
 
 #include <functional>
 
-#include <QWidget>
+#include "UI/Forms/FittedView.h"
 
 namespace tovi {
 
 /// What the program needs to be allowed, told to a new user.
-class OnboardingView : public QWidget
+class OnboardingView : public FittedView
 {
     Q_OBJECT
 
 public:
     explicit OnboardingView(std::function<void()> onFinish, QWidget *parent = nullptr);
-
-protected:
-    bool event(QEvent *event) override;
 };
 
 } // namespace tovi

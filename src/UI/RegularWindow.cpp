@@ -2,6 +2,7 @@
 #include "UI/RegularWindow.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <QCloseEvent>
 #include <QCursor>
@@ -13,8 +14,26 @@
 #include <QScreen>
 
 #include "UI/MainMenu.h"
+#include "UI/TextEditing.h"
 
 namespace tovi {
+
+namespace {
+
+/// The nearest place where all of a frame is on the screen, or its beginning where it is too large.
+QPoint placeWithin(const QRect &room, const QRect &frame)
+{
+    return {std::max(room.left(), std::min(frame.left(), room.right() + 1 - frame.width())),
+            std::max(room.top(), std::min(frame.top(), room.bottom() + 1 - frame.height()))};
+}
+
+/// By which Alt opens a menu; other keyboards have F10.
+bool opensMenu(const QKeyEvent &event, const QAction &title)
+{
+    return isMeantForMenus(event) && title.text().startsWith(event.text(), Qt::CaseInsensitive);
+}
+
+} // namespace
 
 RegularWindow::RegularWindow(Style style)
 {
@@ -29,20 +48,50 @@ RegularWindow::RegularWindow(Style style)
     setWindowIcon(QIcon(QStringLiteral(":/tovi/ToviLogo.svg")));
 }
 
+bool RegularWindow::isAsLargeAsItsContent() const
+{
+    return layout()->sizeConstraint() == QLayout::SetFixedSize;
+}
+
 void RegularWindow::makeKeyAndOrderFront()
 {
     if (!isVisible()) {
         ensurePolished();
+        if (centralWidget())
+            centralWidget()->ensurePolished();
         const QScreen *pointed = QGuiApplication::screenAt(QCursor::pos());
         const QRect room = (pointed ? pointed : screen())->availableGeometry();
-        const QSize size = layout()->sizeConstraint() == QLayout::SetFixedSize ? sizeHint() : this->size();
-        move(room.x() + std::max(0, (room.width() - size.width()) / 2),
-             room.y() + std::max(0, (room.height() - size.height()) / 2));
+        const QSize size = isAsLargeAsItsContent() ? sizeHint() : this->size();
+        const QPoint corner((room.width() - size.width()) / 2, (room.height() - size.height()) / 2);
+        move(placeWithin(room, QRect(room.topLeft() + corner, size)));
+        m_isNew = true;
     }
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
     raise();
     activateWindow();
+}
+
+void RegularWindow::resizeEvent(QResizeEvent *event)
+{
+    QMainWindow::resizeEvent(event);
+    if (!isVisible() || event->spontaneous() || !isAsLargeAsItsContent())
+        return;
+    // It grows and shrinks around its middle.
+    const QSize change = event->size() - event->oldSize();
+    move(placeWithin(screen()->availableGeometry(),
+                     frameGeometry().translated(-change.width() / 2, -change.height() / 2)));
+}
+
+void RegularWindow::changeEvent(QEvent *event)
+{
+    QMainWindow::changeEvent(event);
+    // Now that it has its frame.
+    if (event->type() == QEvent::ActivationChange && isActiveWindow() && std::exchange(m_isNew, false)) {
+        const QPoint place = placeWithin(screen()->availableGeometry(), frameGeometry());
+        if (place != pos())
+            move(place);
+    }
 }
 
 void RegularWindow::closeEvent(QCloseEvent *event)
@@ -54,11 +103,14 @@ void RegularWindow::closeEvent(QCloseEvent *event)
 
 void RegularWindow::keyPressEvent(QKeyEvent *event)
 {
-    // As in other programs; the toolkit knows Alt only.
-    if (event->key() != Qt::Key_F10 || event->modifiers() || menuBar()->actions().isEmpty())
-        QMainWindow::keyPressEvent(event);
-    else
-        menuBar()->setActiveAction(menuBar()->actions().constFirst());
+    for (QAction *title : menuBar()->actions()) {
+        // As in other programs; the toolkit knows Alt alone only, and marks in the titles.
+        if ((event->key() == Qt::Key_F10 && !event->modifiers()) || opensMenu(*event, *title)) {
+            menuBar()->setActiveAction(title);
+            return;
+        }
+    }
+    QMainWindow::keyPressEvent(event);
 }
 
 } // namespace tovi

@@ -23,12 +23,20 @@ public:
     /// Runs when the user or the program closes it; the window may be deleted later, not in it.
     std::function<void()> onClose;
 
-    /// Shows it in the middle of the screen, or brings it forward, and directs the keyboard to it.
+    /// Shows it in the middle of the pointer's screen, or brings it forward, and directs the keyboard to it.
     void makeKeyAndOrderFront();
 
 protected:
+    void changeEvent(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    /// The style `fixed`.
+    bool isAsLargeAsItsContent() const;
+
+    bool m_isNew = false; ///< shown, and its frame not yet looked at
 };
 
 } // namespace tovi

@@ -6,6 +6,7 @@
 #include <QScreen>
 
 #include "Platform/Clock.h"
+#include "Platform/DispatchQueue.h"
 #include "Platform/EventMonitors.h"
 #include "Platform/PanelHost.h"
 #include "Platform/Platform.h"
@@ -30,7 +31,7 @@ ScreenSelectionController &ScreenSelectionController::shared()
 ScreenSelectionController::ScreenSelectionController()
 {
     // An overlay of a display that went, or moved, would cover something else.
-    const auto changed = [this] { cancel(); };
+    const auto changed = [this] { screensChanged(); };
     connect(qGuiApp, &QGuiApplication::screenAdded, this, changed);
     connect(qGuiApp, &QGuiApplication::screenRemoved, this, changed);
     const auto watch = [this, changed](const QScreen *screen) {
@@ -80,6 +81,21 @@ void ScreenSelectionController::begin(const Completion &completion)
         return true;
     });
     m_windows.front()->makeKey();
+}
+
+void ScreenSelectionController::screensChanged()
+{
+    if (m_windows.empty() || std::exchange(m_isLayoutPending, true))
+        return;
+    // One change of the displays is told in several parts.
+    asyncOnMain([self = QPointer(this)] {
+        if (!self || !std::exchange(self->m_isLayoutPending, false) || self->m_windows.empty())
+            return;
+        if (Platform::current().workspace().screens().isEmpty())
+            self->cancel();
+        else
+            self->begin(Completion(self->m_completion));
+    });
 }
 
 void ScreenSelectionController::finish(std::optional<QRectF> rect)

@@ -36,6 +36,8 @@ public:
     void cancel() { finish(std::nullopt); }
 
 private:
+    /// The user starts over on the displays that there are now.
+    void screensChanged();
     void finish(std::optional<QRectF> rect);
     void tearDown();
 
@@ -43,6 +45,7 @@ private:
     Subscription m_eventMonitor;                   ///< of keys
     Completion m_completion;
     bool m_hasPushedCursor = false;
+    bool m_isLayoutPending = false;
 };
 
 } // namespace tovi

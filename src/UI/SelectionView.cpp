@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "UI/SelectionView.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include <QKeyEvent>
@@ -69,7 +70,12 @@ SelectionView::SelectionView()
 
 QPointF SelectionView::viewPoint(const QMouseEvent &event) const
 {
-    return {event.position().x(), height() - event.position().y()};
+    // The pointer is on a pixel; on the last one it is at the edge.
+    const double pixel = 1 / devicePixelRatioF();
+    const auto place = [pixel](double at, double end) {
+        return at + pixel > end - 0.01 ? std::max(at, end) : at;
+    };
+    return {place(event.position().x(), width()), height() - place(event.position().y(), height())};
 }
 
 QRectF SelectionView::toWidget(const QRectF &rect) const

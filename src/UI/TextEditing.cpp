@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "UI/TextEditing.h"
 
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMouseEvent>
@@ -248,6 +249,12 @@ bool canPerform(TextEditing editing, const QWidget &textView)
     if (const auto *view = qobject_cast<const QLineEdit *>(&textView))
         return canPerformIn(editing, *view);
     return false;
+}
+
+bool isMeantForMenus(const QKeyEvent &event)
+{
+    return event.modifiers().testFlag(Qt::AltModifier) && !event.text().isEmpty() &&
+           event.text().front().isPrint();
 }
 
 bool pastesPrimarySelection(const QMouseEvent &event)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+class QKeyEvent;
 class QLineEdit;
 class QMouseEvent;
 class QPlainTextEdit;
@@ -18,6 +19,9 @@ enum class TextEditing { undo, redo, cut, copy, paste, remove, selectAll };
 bool perform(TextEditing editing, QWidget &textView);
 /// Whether it would change or copy something now; what others have copied is not looked at. Main thread.
 bool canPerform(TextEditing editing, const QWidget &textView);
+
+/// Whether the toolkit would type a letter that is meant for menus and shortcuts, as Alt is held.
+bool isMeantForMenus(const QKeyEvent &event);
 
 /// Whether the toolkit would paste what was selected last anywhere, for which it waits for the owner, who may
 /// hang, on the main thread. Such events are for nobody.

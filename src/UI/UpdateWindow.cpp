@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "UI/UpdateWindow.h"
 
-#include <QHBoxLayout>
+#include <algorithm>
+#include <utility>
+
+#include <QBoxLayout>
 #include <QKeyEvent>
-#include <QLabel>
-#include <QPlainTextEdit>
 #include <QPointer>
-#include <QPushButton>
-#include <QVBoxLayout>
+#include <QScreen>
 
 #include "BundleInformation.h"
 #include "Localization/UpdateTexts.h"
@@ -15,15 +15,30 @@
 #include "Platform/NotificationCenter.h"
 #include "Platform/Platform.h"
 #include "Platform/Workspace.h"
-#include "UI/TextEditing.h"
+#include "UI/EditableTextView.h"
+#include "UI/Forms/FittedView.h"
+#include "UI/Forms/FormButton.h"
+#include "UI/Forms/FormLabel.h"
+#include "UI/Forms/FormStyle.h"
+#include "UI/Forms/TextFrame.h"
+#include "UI/LogoView.h"
+#include "UI/Spinner.h"
 
 namespace tovi {
 
 namespace {
 
 using Phase = UpdateController::State::Phase;
-constexpr int messageWidth = 440;
-constexpr int notesHeight = 180;
+
+// Points.
+constexpr int viewWidth = 480;
+constexpr int padding = 24;
+constexpr int logoSide = 56;
+constexpr int messageSize = 15;
+constexpr int lowestNotes = 60;
+constexpr int highestNotes = 260;
+/// What the window needs besides the notes, with its title and the desktop's.
+constexpr int roomForTheRest = 320;
 
 UpdateTexts texts()
 {
@@ -98,42 +113,49 @@ void UpdateWindow::checkForUpdates()
 UpdateWindow::UpdateWindow(UpdateController &controller)
     : RegularWindow(Style::fixed)
     , m_controller(controller)
-    , m_message(new QLabel)
-    , m_notes(new QPlainTextEdit)
-    , m_download(new QPushButton)
-    , m_close(new QPushButton)
+    , m_message(new FormLabel(FormLabel::Role::strong))
+    , m_spinner(new Spinner)
+    , m_notesTitle(new FormLabel(FormLabel::Role::header))
+    , m_notes(new EditableTextView)
+    , m_notesFrame(new TextFrame(m_notes, lowestNotes))
+    , m_download(new FormButton({}, FormButton::Kind::prominent))
+    , m_close(new FormButton({}))
 {
     setAttribute(Qt::WA_DeleteOnClose);
     onClose = [] {
         Platform::current().application().setActivationPolicy(Application::ActivationPolicy::Accessory);
     };
-    // The feed is not ours: whatever it says is text.
-    m_message->setTextFormat(Qt::PlainText);
-    m_message->setWordWrap(true);
-    m_notes->setReadOnly(true);
-    m_notes->setFixedHeight(notesHeight);
-    m_notes->setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(m_notes, &QWidget::customContextMenuRequested, m_notes,
-            [this](const QPoint &at) { showEditMenu(*m_notes, at); });
+    m_message->setFont(FormStyle::font(messageSize, QFont::Medium));
+    m_notes->setFont(FormStyle::font(FormStyle::bodySize));
+    connect(m_notes, &EditableTextView::submitted, this, [this] { defaultButton()->click(); });
     connect(m_close, &QPushButton::clicked, this, &QWidget::close);
     connect(m_download, &QPushButton::clicked, this, [this] {
         if (const auto &item = m_controller.state->item)
             Platform::current().workspace().open(item->page.toString(QUrl::FullyEncoded));
         close();
     });
+
+    auto *head = new QHBoxLayout;
+    head->setSpacing(16);
+    head->addWidget(new LogoView(logoSide), 0, Qt::AlignTop);
+    head->addWidget(m_message, 1);
+    head->addWidget(m_spinner);
     auto *buttons = new QHBoxLayout;
-    buttons->addStretch();
+    buttons->setSpacing(10);
+    buttons->addStretch(1);
     buttons->addWidget(m_close);
     buttons->addWidget(m_download);
-    auto *content = new QWidget;
-    auto *layout = new QVBoxLayout(content);
-    layout->setContentsMargins(20, 20, 20, 20);
-    layout->setSpacing(14);
-    layout->setSizeConstraint(QLayout::SetFixedSize); // a main window does not ask for the height of a width
-    m_message->setFixedWidth(messageWidth);
-    layout->addWidget(m_message);
-    layout->addWidget(m_notes);
-    layout->addLayout(buttons);
+    auto *content = new FittedView(viewWidth);
+    auto *column = new QVBoxLayout(content);
+    column->setContentsMargins(padding, padding, padding, padding - 4);
+    column->setSpacing(0);
+    column->addLayout(head);
+    column->addSpacing(18);
+    column->addWidget(m_notesTitle);
+    column->addSpacing(6);
+    column->addWidget(m_notesFrame);
+    column->addSpacing(18);
+    column->addLayout(buttons);
     setCentralWidget(content);
 
     const auto later = [this] {
@@ -149,29 +171,46 @@ void UpdateWindow::refresh()
 {
     const UpdateController::State &state = m_controller.state;
     const UpdateTexts words = texts();
+    const bool isAvailable = state.phase == Phase::available;
     setWindowTitle(words.title + QStringLiteral(" – ") + BundleInformation::name());
     m_message->setText(message(state));
-    const bool isAvailable = state.phase == Phase::available;
+    m_spinner->setVisible(state.phase == Phase::checking);
+    m_notesTitle->setText(words.notes);
     m_notes->setAccessibleName(words.notes);
-    const QString notes = isAvailable ? state.item->notes : QString();
-    if (notes != m_shownNotes)
-        m_notes->setPlainText(m_shownNotes = notes);
-    m_notes->setVisible(!notes.isEmpty());
+    showNotes(isAvailable ? state.item->notes : QString());
     m_close->setText(words.close);
     m_download->setText(words.download);
     m_download->setVisible(isAvailable && !state.item->page.isEmpty());
-    QPushButton *usual = m_download->isHidden() ? m_close : m_download;
-    if (m_notes->isHidden() || focusWidget() != m_notes)
-        usual->setFocus();
+    FormButton *usual = defaultButton();
+    m_close->setKind(usual == m_close ? FormButton::Kind::prominent : FormButton::Kind::regular);
+    if (std::exchange(m_shownDefault, usual) != usual)
+        usual->setFocus(Qt::OtherFocusReason);
+}
+
+void UpdateWindow::showNotes(const QString &notes)
+{
+    const QScreen *screen = this->screen();
+    const int highest = std::clamp((screen ? screen->availableGeometry().height() : 0) - roomForTheRest,
+                                   lowestNotes, highestNotes);
+    m_notes->setText(notes);
+    m_notes->setReadOnly(true);
+    m_notesFrame->setFixedHeight(
+        std::clamp(m_notesFrame->heightFor(notes, viewWidth - 2 * padding), lowestNotes, highest));
+    m_notesTitle->setVisible(!notes.isEmpty());
+    m_notesFrame->setVisible(!notes.isEmpty());
+}
+
+FormButton *UpdateWindow::defaultButton() const
+{
+    return m_download->isHidden() ? m_close : m_download;
 }
 
 void UpdateWindow::keyPressEvent(QKeyEvent *event)
 {
-    auto *button = qobject_cast<QPushButton *>(focusWidget());
     if (event->key() == Qt::Key_Escape)
         close();
-    else if (button && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
-        button->click();
+    else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        defaultButton()->click();
     else
         RegularWindow::keyPressEvent(event);
 }

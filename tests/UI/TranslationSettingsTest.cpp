@@ -130,6 +130,7 @@ TEST_F(TranslationSettings, EnginesAreAddedCopiedAndRemoved)
     press("Add");
     EXPECT_EQ(rows().last(), s("OpenAI-compatible, gpt-4o-mini, Default"));
     EXPECT_EQ(selected(), s("OpenAI-compatible"));
+    EXPECT_TRUE(shown<FormTextField>("Name")->hasFocus());
     const ProviderConfig added = Settings::shared().currentProvider();
     EXPECT_EQ(added.baseURL, Endpoints::openAIBaseURL());
     EXPECT_EQ(added.systemPrompt, ProviderConfig::defaultSystemPrompt());
@@ -210,7 +211,9 @@ TEST_F(TranslationSettings, EditsTakeEffectAtOnce)
 
     // The default engine has a badge in place of the button.
     EXPECT_FALSE(shown<CapsuleBadge>("Default"));
+    shown<FormButton>("Set as Default")->setFocus();
     press("Set as Default");
+    EXPECT_TRUE(list().hasFocus());
     EXPECT_EQ(Settings::shared().currentProviderID.get(), engine().id);
     EXPECT_FALSE(shown<FormButton>("Set as Default"));
     EXPECT_TRUE(shown<CapsuleBadge>("Default"));

@@ -25,14 +25,13 @@ public:
 
     std::unique_ptr<Panel> makePanel(std::unique_ptr<QWidget> content) override;
     std::unique_ptr<Panel> makeOverlay(std::unique_ptr<QWidget> content) override;
+    bool isCompositing() const override { return m_compositing; }
 
     /// Hides the panels that are shown, behind their owners' backs.
     void hidePanels();
     /// Shows again what hidePanels() has hidden, except what has ended since.
     void unhidePanels();
 
-    /// Whether a compositor blends translucent windows.
-    bool isCompositing() const { return m_compositing; }
     int idleWindows() const;
 
     bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;

@@ -70,14 +70,24 @@ private:
 
 } // namespace
 
-std::unique_ptr<QMenu> makeMenu()
+std::unique_ptr<QMenu> makeMenu(const QString &title)
 {
-    auto menu = std::make_unique<QMenu>();
+    auto menu = std::make_unique<QMenu>(literalTitle(title));
     menu->setStyle(MenuStyle::shared());
+    menu->setAttribute(Qt::WA_TranslucentBackground);
+    menu->installEventFilter(new TypeAhead(*menu));
     QFont font = menu->font();
     font.setPixelSize(13);
     menu->setFont(font);
     return menu;
+}
+
+QMenu *addSubmenu(QMenu &menu, const QString &title)
+{
+    QMenu *submenu = makeMenu(title).release();
+    submenu->setParent(&menu, submenu->windowFlags());
+    menu.addMenu(submenu);
+    return submenu;
 }
 
 QString literalTitle(const QString &title)
@@ -107,7 +117,6 @@ QMenu *popUp(std::unique_ptr<QMenu> menu, QWidget &owner, QPoint at)
         // A long one fits on neither side.
         corner.setY(above >= room.top() ? above : std::max(room.top(), room.bottom() + 1 - height));
     }
-    shown->installEventFilter(new TypeAhead(*shown));
     shown->popup(corner);
     return shown;
 }

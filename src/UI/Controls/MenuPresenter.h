@@ -11,8 +11,11 @@ class QWidget;
 /// The only code that places menus which belong to a widget.
 namespace tovi::MenuPresenter {
 
-/// A menu in the program's style: check marks and icons side by side, room for both in every row.
-std::unique_ptr<QMenu> makeMenu();
+/// A menu in the program's style: check marks and icons side by side, room for both in every row; typed
+/// letters choose items. The title is literal.
+std::unique_ptr<QMenu> makeMenu(const QString &title = {});
+/// The same as an item of another menu, which owns it.
+QMenu *addSubmenu(QMenu &menu, const QString &title);
 /// Text for a menu item that shows exactly this title.
 QString literalTitle(const QString &title);
 

@@ -6,6 +6,8 @@
 #include <QPointer>
 #include <QStyleOptionMenuItem>
 
+#include "Platform/PanelHost.h"
+#include "Platform/Platform.h"
 #include "UI/Controls/SystemColor.h"
 #include "UI/Controls/SystemSymbol.h"
 
@@ -19,8 +21,24 @@ constexpr int iconSide = 16;
 constexpr int iconColumn = iconSide + 7;
 constexpr int rowHeight = 24;
 constexpr int separatorHeight = 9;
+constexpr int panelPadding = 5;
+constexpr double panelRadius = 8;
+constexpr double rowRadius = 5;
+constexpr int shortcutGap = 24;
+constexpr int arrowColumn = 14;
 /// Names of engines may be of any length.
 constexpr int maximumTextWidth = 360;
+
+/// What stands before the keys, which are behind a tab.
+QString title(const QStyleOptionMenuItem &item)
+{
+    return item.text.section(u'\t', 0, 0);
+}
+
+QString keys(const QStyleOptionMenuItem &item)
+{
+    return item.text.section(u'\t', 1);
+}
 
 void drawItem(const QStyleOptionMenuItem &item, QPainter &painter)
 {
@@ -35,7 +53,7 @@ void drawItem(const QStyleOptionMenuItem &item, QPainter &painter)
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(Qt::NoPen);
         painter.setBrush(SystemColor::accent(item.palette));
-        painter.drawRoundedRect(QRectF(item.rect), 4, 4);
+        painter.drawRoundedRect(QRectF(item.rect), rowRadius, rowRadius);
     }
     QRect rest = item.rect.adjusted(sidePadding, 0, -sidePadding, 0);
     const auto place = [&](const QRect &inReadingOrder) {
@@ -55,13 +73,27 @@ void drawItem(const QStyleOptionMenuItem &item, QPainter &painter)
                                                              : QIcon::Disabled);
         rest.setLeft(rest.left() + iconColumn);
     }
-    painter.setPen(color);
+    if (item.menuItemType == QStyleOptionMenuItem::SubMenu) {
+        const QRect column(rest.right() + 1 - arrowColumn, rest.top(), arrowColumn, rest.height());
+        SystemSymbol::image(QStringLiteral("chevron.right"), 11, IconWeight::semibold)
+            .paint(painter, place(column), color);
+        rest.setRight(column.left());
+    }
     painter.setFont(item.font);
-    painter.drawText(
-        place(rest),
-        Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextHideMnemonic |
-            (item.direction == Qt::RightToLeft ? Qt::AlignRight : Qt::AlignLeft),
-        item.fontMetrics.elidedText(item.text, Qt::ElideRight, rest.width(), Qt::TextShowMnemonic));
+    const auto drawText = [&](const QRect &room, const QString &text, Qt::Alignment side) {
+        const Qt::Alignment alignment = Qt::AlignVCenter | QStyle::visualAlignment(item.direction, side);
+        painter.drawText(place(room), int(alignment) | Qt::TextSingleLine | Qt::TextHideMnemonic, text);
+    };
+    if (const QString shortcut = keys(item); !shortcut.isEmpty()) {
+        const bool isSecondary = !isChosen && item.state & QStyle::State_Enabled;
+        painter.setPen(isSecondary ? SystemColor::secondaryLabel(item.palette) : color);
+        drawText(rest, shortcut, Qt::AlignRight);
+        rest.setRight(rest.right() - item.reservedShortcutWidth - shortcutGap / 2);
+    }
+    painter.setPen(color);
+    drawText(rest,
+             item.fontMetrics.elidedText(title(item), Qt::ElideRight, rest.width(), Qt::TextShowMnemonic),
+             Qt::AlignLeft);
 }
 
 } // namespace
@@ -83,7 +115,9 @@ int MenuStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, const
         return 1;
     case PM_MenuHMargin:
     case PM_MenuVMargin:
-        return 4;
+        return panelPadding - 1;
+    case PM_SubMenuOverlap:
+        return 0;
     case PM_SmallIconSize:
         return iconSide;
     default:
@@ -110,9 +144,12 @@ QSize MenuStyle::sizeFromContents(ContentsType type, const QStyleOption *option,
         return {size.width(), separatorHeight};
     const int icon = item->maxIconWidth > 0 ? iconColumn : 0;
     const int text =
-        std::min(item->fontMetrics.size(Qt::TextSingleLine | Qt::TextHideMnemonic, item->text).width(),
+        std::min(item->fontMetrics.size(Qt::TextSingleLine | Qt::TextHideMnemonic, title(*item)).width(),
                  maximumTextWidth);
-    return {sidePadding * 2 + checkColumn + icon + text + 6,
+    const int atEnd = item->menuItemType == QStyleOptionMenuItem::SubMenu ? arrowColumn
+                      : keys(*item).isEmpty()                             ? 0
+                                                                          : shortcutGap;
+    return {sidePadding * 2 + checkColumn + icon + text + 6 + atEnd,
             std::max(rowHeight, item->fontMetrics.height() + 6)};
 }
 
@@ -123,9 +160,19 @@ void MenuStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *opti
         return;
     if (element != PE_PanelMenu)
         return QProxyStyle::drawPrimitive(element, option, painter, widget);
-    painter->fillRect(option->rect, option->palette.color(QPalette::Base));
-    painter->fillRect(option->rect, SystemColor::separator(option->palette));
-    painter->fillRect(option->rect.adjusted(1, 1, -1, -1), option->palette.color(QPalette::Base));
+    // Corners that nothing blends would be black. In the dark what is in front is lighter.
+    const double radius = Platform::current().panelHost().isCompositing() ? panelRadius : 0;
+    const QColor ground =
+        option->palette.color(SystemColor::isDark(option->palette) ? QPalette::Button : QPalette::Base);
+    const QRectF frame = QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5);
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    for (const QColor &line : {ground, SystemColor::separator(option->palette)}) {
+        painter->setPen(line);
+        painter->setBrush(ground);
+        painter->drawRoundedRect(frame, radius, radius);
+    }
+    painter->restore();
 }
 
 void MenuStyle::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,

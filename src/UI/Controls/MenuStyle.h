@@ -5,7 +5,8 @@
 
 namespace tovi {
 
-/// Menus with a column for the check mark and one for the icon, which desktop styles merge into one.
+/// Menus with a column for the check mark and one for the icon, which desktop styles merge into one; with
+/// round corners where these are blended.
 class MenuStyle : public QProxyStyle
 {
     Q_OBJECT

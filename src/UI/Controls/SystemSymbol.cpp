@@ -25,6 +25,7 @@ constexpr auto symbols = std::to_array<Symbol>({
     {"checkmark", "check"},
     {"checkmark.circle.fill", "circlecheck", IconStyle::knockout},
     {"chevron.down", "chevrondown", IconStyle::outline, 0, 1.25, 0.8},
+    {"chevron.right", "chevronright", IconStyle::outline, 0, 1.25, 0.8},
     {"chevron.up.chevron.down", "chevronsupdown", IconStyle::outline, 0, 1.25, 0.8},
     {"cloud", "cloud"},
     {"exclamationmark.triangle.fill", "trianglealert", IconStyle::knockout},

@@ -12,13 +12,19 @@ namespace tovi {
 
 FormButton::FormButton(const QString &text, Kind kind, QWidget *parent)
     : QPushButton(QString(text).replace(QLatin1Char('&'), QLatin1String("&&")), parent)
-    , m_kind(kind)
     , m_focus(new KeyboardFocus(this))
 {
-    setFont(FormStyle::font(kind == Kind::small ? FormStyle::captionSize : FormStyle::bodySize));
+    setKind(kind);
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setFocusPolicy(Qt::StrongFocus);
+}
+
+void FormButton::setKind(Kind kind)
+{
+    m_kind = kind;
+    setFont(FormStyle::font(kind == Kind::small ? FormStyle::captionSize : FormStyle::bodySize));
+    update();
 }
 
 QSize FormButton::sizeHint() const

@@ -22,6 +22,8 @@ public:
 
     explicit FormButton(const QString &text, Kind kind = Kind::regular, QWidget *parent = nullptr);
 
+    void setKind(Kind kind);
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 
@@ -33,7 +35,7 @@ protected:
 private:
     bool takes(int key) const;
 
-    const Kind m_kind;
+    Kind m_kind = Kind::regular;
     KeyboardFocus *m_focus;
 };
 

@@ -93,6 +93,8 @@ void FormTextField::keyPressEvent(QKeyEvent *event)
     // The toolkit waits for the clipboard's owner.
     if (event->matches(QKeySequence::Paste))
         perform(TextEditing::paste, *this);
+    else if (isMeantForMenus(*event))
+        event->ignore();
     else
         QLineEdit::keyPressEvent(event);
 }

@@ -13,6 +13,7 @@
 #include "UI/Forms/FormSection.h"
 #include "UI/Forms/FormSlider.h"
 #include "UI/Forms/Picker.h"
+#include "UI/Forms/TextFrame.h"
 #include "UI/Forms/ToggleSwitch.h"
 #include "UI/OverlayScrollBar.h"
 
@@ -64,6 +65,16 @@ void FormView::reveal(QWidget &widget)
     QEvent request(QEvent::LayoutRequest);
     QCoreApplication::sendEvent(this, &request);
     ensureWidgetVisible(&widget, 0, m_column->contentsMargins().bottom());
+}
+
+bool FormView::focusNextPrevChild(bool next)
+{
+    if (!QScrollArea::focusNextPrevChild(next))
+        return false;
+    // The toolkit shows no more of a text than its caret's line.
+    if (QWidget *focus = widget()->focusWidget(); focus && qobject_cast<TextFrame *>(focus->parentWidget()))
+        ensureWidgetVisible(focus->parentWidget());
+    return true;
 }
 
 void FormView::observe(Observable &observed)

@@ -54,6 +54,9 @@ public:
     FormRow *addSlider(FormSection &section, const QString &title, const Range &range,
                        Published<double> &field);
 
+protected:
+    bool focusNextPrevChild(bool next) override;
+
 private:
     void refresh();
 

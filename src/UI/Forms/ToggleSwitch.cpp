@@ -50,7 +50,7 @@ void ToggleSwitch::paintEvent(QPaintEvent *)
     if (!isEnabled())
         painter.setOpacity(0.5);
     const double place = knobPlace();
-    const QRectF track = QRectF(rect()).adjusted(2, 1, -2, -1);
+    const QRectF track = QRectF(rect()).adjusted(3, 3, -3, -3);
     const double radius = track.height() / 2;
     painter.setBrush(FormStyle::track(palette()));
     painter.drawRoundedRect(track, radius, radius);
@@ -65,8 +65,13 @@ void ToggleSwitch::paintEvent(QPaintEvent *)
     painter.drawEllipse(knob.translated(0, 0.75));
     painter.setBrush(Qt::white);
     painter.drawEllipse(knob);
-    if (m_focus->isShown())
-        FormStyle::paintFocusRing(painter, QRectF(rect()), height() / 2.0, palette());
+    if (m_focus->isShown()) {
+        // At a distance: a switch that is on has the ring's colour.
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QPen(SystemColor::accent(palette()), 1.5));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.75, 0.75, -0.75, -0.75), height() / 2.0,
+                                height() / 2.0);
+    }
 }
 
 double ToggleSwitch::knobPlace() const

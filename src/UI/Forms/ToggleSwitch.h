@@ -16,7 +16,7 @@ class ToggleSwitch : public QAbstractButton
 public:
     explicit ToggleSwitch(QWidget *parent = nullptr);
 
-    QSize sizeHint() const override { return {36, 20}; }
+    QSize sizeHint() const override { return {38, 24}; }
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:

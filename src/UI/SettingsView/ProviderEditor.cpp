@@ -5,8 +5,6 @@
 #include <utility>
 
 #include <QBoxLayout>
-#include <QEvent>
-#include <QPainter>
 #include <QSignalBlocker>
 
 #include "Endpoints.h"
@@ -23,7 +21,9 @@
 #include "UI/Forms/FormSection.h"
 #include "UI/Forms/FormStyle.h"
 #include "UI/Forms/FormTextField.h"
+#include "UI/Forms/KeyboardFocus.h"
 #include "UI/Forms/Picker.h"
+#include "UI/Forms/TextFrame.h"
 #include "UI/Forms/ToggleSwitch.h"
 #include "UI/OverlayScrollBar.h"
 #include "UI/SettingsView/ProviderTestRow.h"
@@ -48,37 +48,6 @@ QString iconDisplayName(const QString &identifier)
     return identifier.startsWith(logoPrefix) ? ProviderLogo::displayName(identifier.mid(logoPrefix.size()))
                                              : identifier;
 }
-
-/// A text view with the background of a field.
-class TextFrame final : public QWidget
-{
-public:
-    explicit TextFrame(EditableTextView *text)
-        : m_text(text)
-    {
-        auto *column = new QVBoxLayout(this);
-        column->setContentsMargins(4, 4, 2, 4);
-        column->addWidget(text);
-        text->installEventFilter(this);
-        setFixedHeight(promptHeight);
-    }
-
-protected:
-    bool eventFilter(QObject *watched, QEvent *event) override
-    {
-        if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)
-            update();
-        return QWidget::eventFilter(watched, event);
-    }
-    void paintEvent(QPaintEvent *) override
-    {
-        QPainter painter(this);
-        FormStyle::paintField(painter, *this, m_text->hasFocus());
-    }
-
-private:
-    EditableTextView *m_text;
-};
 
 } // namespace
 
@@ -133,6 +102,12 @@ void ProviderEditor::setIcon(const QString &identifier)
     edit([&](ProviderConfig &config) { config.iconName = identifier; });
 }
 
+void ProviderEditor::editName()
+{
+    m_name->setFocus(Qt::OtherFocusReason);
+    m_name->selectAll();
+}
+
 void ProviderEditor::runTest()
 {
     if (m_test->state->kind != ProviderTestState::Kind::running)
@@ -142,8 +117,8 @@ void ProviderEditor::runTest()
 void ProviderEditor::addIdentity()
 {
     FormSection *section = addSection();
-    auto *name = new FormTextField;
-    addText(*section, t(Str::providerName), &ProviderConfig::name, name);
+    m_name = new FormTextField;
+    addText(*section, t(Str::providerName), &ProviderConfig::name, m_name);
 
     auto *kind = new Picker;
     for (const ProviderKind each : ProviderKinds::all())
@@ -171,15 +146,17 @@ void ProviderEditor::addIdentity()
     row->addControl(setDefault);
     connect(setDefault, &QPushButton::clicked, this, [this] { m_settings.currentProviderID = m_providerID; });
 
-    follow([this, name, kind, icon, badge, setDefault] {
+    follow([this, kind, icon, badge, setDefault] {
         const ProviderConfig config = provider();
         const bool isBuiltIn = config.isBuiltIn.value_or(false);
-        name->setEnabled(!isBuiltIn);
+        m_name->setEnabled(!isBuiltIn);
         kind->setEnabled(!isBuiltIn);
         kind->setTag(ProviderKinds::rawValue(config.kind));
         const QString identifier = config.iconIdentifier();
         icon->setTag(identifier, iconDisplayName(identifier), ProviderIcon::image(identifier));
         const bool isDefault = m_settings.currentProviderID.get() == m_providerID;
+        if (isDefault && setDefault->hasFocus() && onKeyboardLeft)
+            onKeyboardLeft(KeyboardFocus::isShownFor(setDefault) ? Qt::TabFocusReason : Qt::OtherFocusReason);
         badge->setVisible(isDefault);
         setDefault->setVisible(!isDefault);
     });
@@ -212,7 +189,7 @@ void ProviderEditor::addPrompt()
     auto *prompt = new EditableTextView;
     prompt->setFont(FormStyle::font(12));
     prompt->setAccessibleName(t(Str::systemPrompt));
-    section->addWidget(new TextFrame(prompt));
+    section->addWidget(new TextFrame(prompt, promptHeight));
     connect(prompt, &EditableTextView::submitted, prompt, [prompt] {
         prompt->insertPlainText(QStringLiteral("\n"));
         prompt->ensureCursorVisible();

@@ -27,6 +27,11 @@ public:
 
     static QString kindTitle(ProviderKind kind);
 
+    /// Directs the keyboard to the name of an engine that is new.
+    void editName();
+    /// The control that had the keyboard is no longer of use; the reason tells whether keys had brought it.
+    std::function<void(Qt::FocusReason reason)> onKeyboardLeft;
+
 private:
     /// The engine, else one that stands in for it.
     ProviderConfig provider() const;
@@ -47,6 +52,7 @@ private:
     Settings &m_settings;
     const QUuid m_providerID;
     const std::shared_ptr<ProviderTest> m_test;
+    FormTextField *m_name = nullptr;
 };
 
 } // namespace tovi

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "UI/SettingsView/ProviderList.h"
 
+#include <algorithm>
+
 #include <QContextMenuEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -24,6 +26,8 @@ constexpr int rowHeight = 44;
 constexpr int sidePadding = 9;
 constexpr int iconSide = 18;
 constexpr int gap = 8;
+constexpr int badgeGap = 4;
+constexpr int subtitleSize = 10;
 
 QString subtitle(const ProviderConfig &config)
 {
@@ -41,6 +45,12 @@ QString subtitle(const ProviderConfig &config)
 QString badge()
 {
     return Localization::shared().t(Str::providerDefaultBadge);
+}
+
+/// As small as the line beside it.
+QSize badgeSize()
+{
+    return CapsuleBadge::sizeOf(badge()) - QSize(6, 3);
 }
 
 class RowDelegate final : public QStyledItemDelegate
@@ -74,30 +84,21 @@ public:
         ProviderIcon::image(index.data(iconRole).toString(), iconSide).paint(*painter, icon, color);
         room.setLeft(room.left() + iconSide + gap);
         const QFont font = FormStyle::font(FormStyle::bodySize);
-        const QFont small = FormStyle::font(10);
-        const int smallHeight = QFontMetrics(small).height();
+        const QFont small = FormStyle::font(subtitleSize);
+        const bool isDefault = index.data(isDefaultRole).toBool();
         QRect title(room.x(), 0, room.width(), QFontMetrics(font).height());
+        QRect below(room.x(), 0, room.width(), QFontMetrics(small).height());
         const QString name = index.data().toString().simplified();
         const QString subtitle = index.data(subtitleRole).toString().simplified();
-        const int texts = title.height() + (subtitle.isEmpty() ? 0 : smallHeight);
-        title.moveTop(room.y() + (rowHeight - texts) / 2);
-        QRect below(room.x(), title.bottom() + 1, room.width(), smallHeight);
-        if (index.data(isDefaultRole).toBool()) {
-            QRect place(QPoint(), CapsuleBadge::sizeOf(badge()));
-            place.moveCenter(room.center());
+        const bool hasTwoLines = isDefault || !subtitle.isEmpty();
+        title.moveTop(room.y() + (rowHeight - title.height() - (hasTwoLines ? below.height() : 0)) / 2);
+        below.moveTop(title.bottom() + 1);
+        if (isDefault) {
+            // In the second line, which is the shorter one, whatever the engine is called.
+            QRect place(QPoint(), badgeSize());
+            place.moveCenter(below.center());
             place.moveRight(room.right());
-            // In the middle of the row where that cuts nothing off, else beside the one that has room for it.
-            const int beside = place.left() - gap - room.left();
-            const bool nameFits = QFontMetrics(font).horizontalAdvance(name) <= beside;
-            const bool subtitleFits = QFontMetrics(small).horizontalAdvance(subtitle) <= beside;
-            if (!nameFits && !subtitle.isEmpty())
-                place.moveBottom(option.rect.bottom() - 3);
-            else if (!subtitleFits)
-                place.moveCenter({place.center().x(), title.center().y()});
-            if (nameFits || subtitle.isEmpty())
-                title.setWidth(beside);
-            if (subtitleFits || !nameFits)
-                below.setWidth(beside);
+            below.setRight(place.left() - badgeGap);
             CapsuleBadge::paint(*painter, place, badge(), color, isSelected ? color : secondary);
         }
         paintText(*painter, title, font, color, name);
@@ -134,7 +135,14 @@ private:
 
 } // namespace
 
-const int ProviderList::roomBesideName = 2 * sidePadding + iconSide + gap + OverlayScrollBar::width + 1;
+int ProviderList::widthFor(const QString &name)
+{
+    const int title = QFontMetrics(FormStyle::font(FormStyle::bodySize)).horizontalAdvance(name);
+    const int below = QFontMetrics(FormStyle::font(subtitleSize))
+                          .horizontalAdvance(subtitle(ProviderConfig::makeGoogle())) +
+                      badgeGap + badgeSize().width();
+    return std::max(title, below) + 2 * sidePadding + iconSide + gap + OverlayScrollBar::width + 1;
+}
 
 ProviderList::ProviderList(QWidget *parent)
     : QListWidget(parent)

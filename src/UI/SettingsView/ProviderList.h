@@ -19,8 +19,9 @@ class ProviderList final : public QListWidget
 public:
     explicit ProviderList(QWidget *parent = nullptr);
 
-    /// What a row needs more than the width of its name, in points, with the scroll bar's place.
-    static const int roomBesideName;
+    /// What a row with this name needs, in points, with the scroll bar's place; also with the badge of the
+    /// default engine.
+    static int widthFor(const QString &name);
 
     /// Tells nobody.
     void showProviders(const QList<ProviderConfig> &providers, const QUuid &current,

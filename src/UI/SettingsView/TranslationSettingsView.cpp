@@ -27,7 +27,8 @@ namespace tovi {
 namespace {
 
 constexpr int sidebarWidth = 190;
-constexpr int widestSidebar = 216;
+constexpr int widestSidebar = 216; ///< in the narrowest pane
+constexpr int narrowestPane = 520;
 constexpr int margin = 8;
 
 QString t(Str key)
@@ -126,6 +127,7 @@ void TranslationSettingsView::addProvider(ProviderKind kind)
     m_settings.addProvider(config);
     select(config.id);
     m_settings.currentProviderID = config.id;
+    m_editor->editName();
 }
 
 void TranslationSettingsView::duplicate(const ProviderConfig &config)
@@ -136,6 +138,7 @@ void TranslationSettingsView::duplicate(const ProviderConfig &config)
     copy.isBuiltIn = false;
     m_settings.addProvider(copy);
     select(copy.id);
+    m_editor->editName();
 }
 
 bool TranslationSettingsView::canRemoveSelected() const
@@ -175,13 +178,8 @@ QWidget *TranslationSettingsView::makeSidebar()
     });
     buttons->addStretch(1);
 
-    auto *sidebar = new QWidget;
-    // Room for the name that new engines have, within limits.
-    const QFontMetrics metrics(FormStyle::font(FormStyle::bodySize));
-    const int name = metrics.horizontalAdvance(ProviderEditor::kindTitle(ProviderKind::openAI));
-    sidebar->setFixedWidth(
-        std::clamp(name + ProviderList::roomBesideName + margin, sidebarWidth, widestSidebar));
-    auto *column = new QVBoxLayout(sidebar);
+    m_sidebar = new QWidget;
+    auto *column = new QVBoxLayout(m_sidebar);
     // The scroll bar's place is part of the margin.
     column->setContentsMargins(margin, margin, 0, margin);
     column->setSpacing(6);
@@ -192,7 +190,16 @@ QWidget *TranslationSettingsView::makeSidebar()
     below->addWidget(new Line(Qt::Horizontal));
     below->addLayout(buttons);
     column->addLayout(below);
-    return sidebar;
+    return m_sidebar;
+}
+
+void TranslationSettingsView::resizeEvent(QResizeEvent *event)
+{
+    // Room for the name that new engines have, as far as the editor can spare it.
+    const int wanted = ProviderList::widthFor(ProviderEditor::kindTitle(ProviderKind::openAI)) + margin;
+    const int widest = widestSidebar + std::max(0, (width() - narrowestPane) / 2);
+    m_sidebar->setFixedWidth(std::clamp(wanted, sidebarWidth, widest));
+    QWidget::resizeEvent(event);
 }
 
 void TranslationSettingsView::showMenu(const QUuid &id, const QPoint &at)
@@ -236,6 +243,7 @@ void TranslationSettingsView::select(const QUuid &id)
             old->hide();
             old->deleteLater();
         }
+        m_editor->onKeyboardLeft = [this](Qt::FocusReason reason) { m_list->setFocus(reason); };
         m_columns->addWidget(m_editor, 1);
         m_editor->show(); // in this turn: the old one has gone
     }
@@ -246,6 +254,8 @@ void TranslationSettingsView::refresh()
 {
     m_isRefreshPending = false;
     m_list->showProviders(m_settings.providers, m_settings.currentProviderID, m_selectedProviderID);
+    if (!canRemoveSelected() && m_remove->hasFocus())
+        m_list->setFocus(Qt::TabFocusReason);
     m_remove->setEnabled(canRemoveSelected());
 }
 

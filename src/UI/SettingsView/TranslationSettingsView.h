@@ -39,6 +39,9 @@ public:
     /// The open menu of an engine, or none.
     QMenu *menu() const;
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     QWidget *makeSidebar();
     void showMenu(const QUuid &id, const QPoint &at);
@@ -49,6 +52,7 @@ private:
     Settings &m_settings;
     std::optional<QUuid> m_selectedProviderID;
     std::shared_ptr<ProviderTest> m_test;
+    QWidget *m_sidebar = nullptr;
     ProviderList *m_list = nullptr;
     IconButton *m_remove = nullptr;
     QPointer<QMenu> m_menu;

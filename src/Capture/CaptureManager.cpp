@@ -55,7 +55,8 @@ QCoro::Task<std::optional<CaptureResult>> CaptureManager::capture(bool preferOCR
                                                                   std::stop_token stop)
 {
     const Clock::Time start = Platform::current().clock().now();
-    auto result = co_await captureInternal(preferOCR, at, std::move(onOCRProgress), stop);
+    auto capture = captureInternal(preferOCR, at, std::move(onOCRProgress), stop);
+    auto result = co_await capture;
     if (result)
         result->duration = seconds(Platform::current().clock().now() - start);
     co_return result;
@@ -73,11 +74,13 @@ QCoro::Task<std::optional<CaptureResult>> CaptureManager::captureInternal(bool p
     const double primaryHeight = screens.isEmpty() ? 0 : screens.first().frame.height();
 
     if (!preferOCR) {
-        auto result = co_await syncCapture(cursor, appName, primaryHeight);
+        const auto capture = syncCapture(cursor, appName, primaryHeight);
+        auto result = co_await capture;
         if (result || !Settings::shared().ocrEnabled)
             co_return result;
     }
-    co_return co_await recognize(cursor, appName, std::move(onOCRProgress), stop);
+    auto recognition = recognize(cursor, appName, std::move(onOCRProgress), stop);
+    co_return co_await recognition;
 }
 
 QFuture<std::optional<CaptureResult>> CaptureManager::syncCapture(std::optional<QPointF> cursor,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <future>
 #include <memory>
 #include <mutex>
 #include <type_traits>
@@ -31,6 +32,21 @@ void fulfil(QPromise<T> &promise, Fn &fn)
     promise.finish();
 }
 
+/// Finishes in any case: whoever waits is woken by the end of a promise, too, and would look for a result.
+template <class T>
+std::shared_ptr<QPromise<T>> makePromise()
+{
+    const std::shared_ptr<QPromise<T>> promise(new QPromise<T>, [](QPromise<T> *ending) {
+        if (!ending->future().isFinished()) {
+            ending->setException(std::make_exception_ptr(std::future_error(std::future_errc::broken_promise)));
+            ending->finish();
+        }
+        delete ending;
+    });
+    promise->start();
+    return promise;
+}
+
 template <class T, class MakeTask>
 QCoro::Task<> drive(MakeTask makeTask, std::shared_ptr<QPromise<T>> promise)
 {
@@ -50,7 +66,7 @@ QCoro::Task<> drive(MakeTask makeTask, std::shared_ptr<QPromise<T>> promise)
 /// A serial queue: one thread with an event loop. Starts its thread with the first piece of work, ends it
 /// (after the piece under way) when destroyed. All operations may be called from any thread. The futures
 /// finish with a value or with the exception that the work threw; those of work that the queue's end cuts off
-/// are cancelled.
+/// with std::future_error.
 class DispatchQueue
 {
 public:
@@ -67,8 +83,7 @@ public:
     auto run(Fn fn) -> QFuture<std::invoke_result_t<Fn &>>
     {
         using T = std::invoke_result_t<Fn &>;
-        auto promise = std::make_shared<QPromise<T>>();
-        promise->start();
+        auto promise = detail::makePromise<T>();
         async([promise, fn = std::make_shared<Fn>(std::move(fn))] { detail::fulfil(*promise, *fn); });
         return promise->future();
     }
@@ -78,8 +93,7 @@ public:
     auto spawn(MakeTask makeTask) -> QFuture<typename std::invoke_result_t<MakeTask &>::value_type>
     {
         using T = typename std::invoke_result_t<MakeTask &>::value_type;
-        auto promise = std::make_shared<QPromise<T>>();
-        promise->start();
+        auto promise = detail::makePromise<T>();
         async([promise, makeTask = std::make_shared<MakeTask>(std::move(makeTask))] {
             detail::drive<T>(std::move(*makeTask), promise);
         });
@@ -100,8 +114,7 @@ template <class Fn>
 auto runOnMain(Fn fn) -> QFuture<std::invoke_result_t<Fn &>>
 {
     using T = std::invoke_result_t<Fn &>;
-    auto promise = std::make_shared<QPromise<T>>();
-    promise->start();
+    auto promise = detail::makePromise<T>();
     asyncOnMain([promise, fn = std::make_shared<Fn>(std::move(fn))] { detail::fulfil(*promise, *fn); });
     return promise->future();
 }
@@ -111,8 +124,7 @@ template <class MakeTask>
 auto spawnOnMain(MakeTask makeTask) -> QFuture<typename std::invoke_result_t<MakeTask &>::value_type>
 {
     using T = typename std::invoke_result_t<MakeTask &>::value_type;
-    auto promise = std::make_shared<QPromise<T>>();
-    promise->start();
+    auto promise = detail::makePromise<T>();
     asyncOnMain([promise, makeTask = std::make_shared<MakeTask>(std::move(makeTask))] {
         detail::drive<T>(std::move(*makeTask), promise);
     });

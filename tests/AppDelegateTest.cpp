@@ -62,6 +62,14 @@ protected:
             AXError::None, AXElement(element)};
         return element;
     }
+    /// An application that does not answer until it is told to.
+    void selectInHangingApplication(const QString &text)
+    {
+        select(text)->onRequest = [this](const QString &) {
+            asked.release();
+            answer.acquire();
+        };
+    }
     bool press(const HotKey &keys) { return platform.hotKeyCenter().press(keys.keyCode, keys.modifiers); }
 
     struct Shown
@@ -90,6 +98,7 @@ protected:
         return waitUntil([&] { return !shown().isEmpty() && shown().first().result == text; });
     }
 
+    QSemaphore asked, answer;
     TestPlatform platform;
     std::shared_ptr<TestTranslationSession> session = std::make_shared<TestTranslationSession>();
     AppDelegate delegate;
@@ -184,13 +193,7 @@ TEST_F(AppDelegateTest, SaysWhyThereIsNoText)
 
 TEST_F(AppDelegateTest, AHungCaptureIsAbandonedAndItsLateResultDropped)
 {
-    const auto element = select(QStringLiteral("late"));
-    QSemaphore asked;
-    QSemaphore answer;
-    element->onRequest = [&](const QString &) {
-        asked.release();
-        answer.acquire();
-    };
+    selectInHangingApplication(QStringLiteral("late"));
     press(optionD);
     ASSERT_TRUE(waitUntil([&] { return asked.tryAcquire(); }));
     platform.clock().advance(3900ms);
@@ -208,13 +211,7 @@ TEST_F(AppDelegateTest, AHungCaptureIsAbandonedAndItsLateResultDropped)
 
 TEST_F(AppDelegateTest, ASecondPressSupersedesTheFirst)
 {
-    const auto slow = select(QStringLiteral("first"));
-    QSemaphore asked;
-    QSemaphore answer;
-    slow->onRequest = [&](const QString &) {
-        asked.release();
-        answer.acquire();
-    };
+    selectInHangingApplication(QStringLiteral("first"));
     press(optionD);
     ASSERT_TRUE(waitUntil([&] { return asked.tryAcquire(); }));
     select(QStringLiteral("second"));
@@ -258,7 +255,6 @@ TEST_F(AppDelegateTest, TheInputPanelTranslatesWhatIsSubmitted)
     EXPECT_TRUE(showsResult(QStringLiteral("TYPED")));
 
     // The answer to an older text comes too late.
-    QSemaphore answer;
     session->answer = [&](const QString &text) {
         answer.acquire();
         return text.toUpper();

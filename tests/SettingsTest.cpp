@@ -325,13 +325,5 @@ TEST_F(SettingsTest, AKeyTypedBeforeTheOldOneArrivesWins)
     EXPECT_EQ(storedKey(a.id), "new");
 }
 
-TEST(TargetLanguages, MapCodesToNames)
-{
-    for (const TargetLanguage language : TargetLanguages::all())
-        EXPECT_EQ(TargetLanguages::fromRawValue(TargetLanguages::rawValue(language)), language);
-    EXPECT_EQ(TargetLanguages::name(QStringLiteral("zh-TW")), QStringLiteral("Traditional Chinese"));
-    EXPECT_EQ(TargetLanguages::ownName(QStringLiteral("auto")), QStringLiteral("auto"));
-}
-
 } // namespace
 } // namespace tovi

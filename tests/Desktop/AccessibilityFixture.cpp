@@ -74,11 +74,4 @@ QString AccessibilityDesktop::textAt(QPoint position)
     });
 }
 
-void AccessibilityDesktop::print(const char *application, const Captured &captured)
-{
-    std::printf("%s: focus %.1f ms, text %.1f ms%s, bounds %.1f ms\n", application,
-                captured.focusMilliseconds, captured.textMilliseconds,
-                captured.byMarkerRange ? " (marker range)" : "", captured.boundsMilliseconds);
-}
-
 } // namespace tovi

@@ -33,7 +33,6 @@ protected:
     Captured captureUntil(const QString &expected, std::chrono::seconds limit = DesktopSession::defaultLimit);
     /// The selected text at a point of the screen, walking up as the capturer does.
     QString textAt(QPoint position);
-    void print(const char *application, const Captured &captured);
 
     std::unique_ptr<DesktopSession> desktop;
     std::unique_ptr<AtspiAccessibility> accessibility;

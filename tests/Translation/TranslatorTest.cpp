@@ -262,44 +262,5 @@ TEST_F(TranslatorTest, TestsAnUnsavedConfigurationAsItIs)
     EXPECT_EQ(outcome->error, TranslationError::parse());
 }
 
-TEST_F(TranslatorTest, ErrorsSpeakTheInterfaceLanguageOfTheMoment)
-{
-    const TranslationError fixed = TranslationError::network(QStringLiteral("Request timed out"));
-    EXPECT_EQ(TranslationError::parse().localizedDescription(),
-              QStringLiteral("Failed to parse the response"));
-    const QString empty = TranslationError::empty().localizedDescription();
-    Localization::shared().language = AppLanguage::fr;
-    EXPECT_NE(TranslationError::empty().localizedDescription(), empty);
-    EXPECT_EQ(fixed.localizedDescription(), QStringLiteral("Request timed out"));
-}
-
-TEST_F(TranslatorTest, AnEngineThatCannotStreamDeliversOnce)
-{
-    struct Plain final : TranslationProvider
-    {
-        QString name() const override { return {}; }
-        bool supportsStreaming() const override { return false; }
-        QCoro::Task<TranslationResult> translate(QString text, QString, QString) override
-        {
-            if (text.isEmpty())
-                throw TranslationError::empty();
-            co_return TranslationResult{text, {}, {}, {}, {}};
-        }
-    };
-    Plain engine;
-    QStringList deltas;
-    const TranslationProvider::DeltaHandler onDelta = [&](QString text) -> QCoro::Task<> {
-        deltas << text;
-        co_return;
-    };
-    const auto good = std::make_shared<Outcome>();
-    collect(engine.translateStream(QStringLiteral("text"), es, en, onDelta), good);
-    const auto bad = std::make_shared<Outcome>();
-    collect(engine.translateStream(QString(), es, en, onDelta), bad);
-    EXPECT_EQ(good->result->translatedText, QStringLiteral("text"));
-    EXPECT_EQ(bad->error, TranslationError::empty());
-    EXPECT_EQ(deltas, QStringList(QStringLiteral("text")));
-}
-
 } // namespace
 } // namespace tovi

@@ -74,11 +74,8 @@ QImage drawn(const IconImage &icon, int side = 48, const QColor &color = Qt::bla
     return icon.pixmap(QSizeF(side, side), color, 1).toImage();
 }
 
-TEST(ProviderLogo, NamesItsLogos)
+TEST(ProviderLogo, UnknownLogosAreNamedByTheirWords)
 {
-    EXPECT_EQ(ProviderLogo::displayNames().size(), 28);
-    EXPECT_EQ(ProviderLogo::displayNames().first().name, s("OpenAI"));
-    EXPECT_EQ(ProviderLogo::displayNames().last().logo, s("meta"));
     EXPECT_EQ(ProviderLogo::displayName(s("huggingface")), s("Hugging Face"));
     EXPECT_EQ(ProviderLogo::displayName(s("my own MODEL-x")), s("My Own Model-X"));
     EXPECT_EQ(ProviderLogo::displayName(QString()), QString());
@@ -112,31 +109,12 @@ TEST_F(BuiltInIcons, EveryLogoAndSymbolDrawsAShape)
                       s("LucideGrid2x2")};
     for (const auto &row : ProviderLogo::displayNames())
         names << s("logo:") + row.logo;
-    for (const char *symbol : {"character.book.closed",
-                               "character.bubble",
-                               "checkmark",
-                               "checkmark.circle.fill",
-                               "chevron.down",
-                               "chevron.up.chevron.down",
-                               "cloud",
-                               "exclamationmark.triangle.fill",
-                               "gearshape",
-                               "info.circle",
-                               "keyboard",
-                               "lock.shield",
-                               "minus",
-                               "pin",
-                               "pin.fill",
-                               "plus",
-                               "plus.square.on.square",
-                               "questionmark.circle.fill",
-                               "speaker.wave.2",
-                               "speaker.wave.2.fill",
-                               "square.on.square",
-                               "xmark",
-                               "xmark.circle.fill",
-                               "xmark.octagon.fill"})
-        names << s(symbol);
+    names << s("character.book.closed character.bubble checkmark checkmark.circle.fill chevron.down "
+               "chevron.up.chevron.down cloud exclamationmark.triangle.fill gearshape info.circle keyboard "
+               "lock.shield minus pin pin.fill plus plus.square.on.square questionmark.circle.fill "
+               "speaker.wave.2 speaker.wave.2.fill square.on.square xmark xmark.circle.fill "
+               "xmark.octagon.fill")
+                 .split(u' ');
     for (const QString &name : names) {
         const IconImage icon = ProviderIcon::image(name);
         EXPECT_EQ(icon.size(), QSizeF(16, 16)) << name.toStdString();
@@ -164,18 +142,6 @@ TEST_F(BuiltInIcons, AMissingLucideIconGivesWayToTheSymbolAtItsSize)
     EXPECT_EQ(Lucide::image(s("LucidePin"), s("xmark"), 16), Lucide::image(s("LucidePin")).sized({16, 16}));
 }
 
-TEST_F(BuiltInIcons, TakeTheColourOfTheirContext)
-{
-    const QImage image = drawn(ProviderIcon::image(s("logo:google")), 32, QColor(10, 200, 30));
-    for (int y = 0; y < 32; ++y) {
-        for (int x = 0; x < 32; ++x) {
-            if (qAlpha(image.pixel(x, y)) == 255) {
-                ASSERT_EQ(image.pixel(x, y), qRgb(10, 200, 30));
-            }
-        }
-    }
-}
-
 TEST_F(BuiltInIcons, FallOnWholePixelsAtAFractionalScale)
 {
     const IconImage icon = ProviderIcon::image(s("logo:openai"));
@@ -189,15 +155,6 @@ TEST_F(BuiltInIcons, FallOnWholePixelsAtAFractionalScale)
     painter.end();
     // 11 points are 16.5 pixels.
     EXPECT_EQ(canvas.toImage().copy(17, 17, 24, 24), drawn(icon, 24));
-}
-
-TEST_F(BuiltInIcons, SurviveHostileSizes)
-{
-    for (const double size : {-1.0, 0.0, 1e-9, 1e9}) {
-        QPixmap canvas(4, 4);
-        QPainter painter(&canvas);
-        ProviderIcon::image(s("LucidePin"), size).paint(painter, QRectF(0, 0, size, size), Qt::black);
-    }
 }
 
 class PopupMenuButtonTest : public testing::Test
@@ -215,25 +172,11 @@ protected:
         return {s(title), isSelected, ProviderIcon::image(s("cloud")),
                 [this, title] { chosen.emplace_back(title); }};
     }
-    double titleWidth() const { return QFontMetricsF(button->font()).horizontalAdvance(button->title()); }
 
     QWidget window;
     PopupMenuButton *button = new PopupMenuButton(&window);
     std::vector<std::string> chosen;
 };
-
-TEST_F(PopupMenuButtonTest, IsAsWideAsItsContent)
-{
-    button->setTitle(s("Fish & Chips"));
-    const int known = button->sizeHint().width();
-    EXPECT_EQ(known, std::ceil(titleWidth() + 4 + 8) + 6);
-    button->setChevron(s("no.such.symbol"));
-    EXPECT_EQ(button->sizeHint(), QSize(known, 18));
-    if (const IconImage icon = ProviderIcon::image(s("cloud"))) {
-        button->setIconImage(icon);
-        EXPECT_EQ(button->sizeHint().width(), known + 18);
-    }
-}
 
 TEST_F(PopupMenuButtonTest, ALongTitleMayBeCutShort)
 {
@@ -249,27 +192,18 @@ TEST_F(PopupMenuButtonTest, ALongTitleMayBeCutShort)
 
 TEST_F(PopupMenuButtonTest, ShowsItsItemsInOrderWithTheirTitlesAsTheyStand)
 {
-    button->showMenu();
+    button->setGeometry(40, 30, 100, 18);
+    clickOn(*button);
     ASSERT_TRUE(button->menu());
+    EXPECT_EQ(button->menu()->pos(), button->mapToGlobal(QPoint(0, 18))) << "below the button";
     std::vector<QString> titles;
     std::vector<bool> marks;
     for (const QAction *action : button->menu()->actions()) {
         titles.push_back(action->text());
         marks.push_back(action->isChecked());
-        EXPECT_TRUE(action->shortcut().isEmpty());
     }
     EXPECT_THAT(titles, ElementsAre(s("First"), s("Fish && Chips"), s("Third")));
     EXPECT_THAT(marks, ElementsAre(false, true, false));
-    EXPECT_FALSE(button->menu()->grab().isNull());
-}
-
-TEST_F(PopupMenuButtonTest, OpensBelowItselfByAPress)
-{
-    button->setGeometry(40, 30, 100, 18);
-    clickOn(*button);
-    ASSERT_TRUE(button->menu());
-    EXPECT_EQ(button->menu()->pos(), button->mapToGlobal(QPoint(0, 18)));
-    EXPECT_TRUE(chosen.empty());
 }
 
 TEST_F(PopupMenuButtonTest, WorksByKeyboard)
@@ -337,15 +271,6 @@ TEST(MenuPresenter, ALongMenuStaysOnTheScreen)
         EXPECT_LT(menu->width(), 200) << "in one column";
         menu->close();
     }
-}
-
-TEST_F(PopupMenuButtonTest, WithoutItemsNothingIsCalled)
-{
-    button->setItems({});
-    clickOn(*button);
-    ASSERT_TRUE(button->menu());
-    pressKey(*button->menu(), Qt::Key_Return);
-    EXPECT_TRUE(chosen.empty());
 }
 
 TEST_F(PopupMenuButtonTest, ItemsThatWentWhileTheMenuWasOpenAreNotCalled)

@@ -1,21 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
-#include "Platform/DispatchQueue.h"
-#include "Platform/Linux/AtspiElement.h"
 #include "Platform/Linux/FakeAtspiPeer.h"
 #include "Support/CapturedSelection.h"
-#include "Support/TestClock.h"
 
 namespace tovi {
 namespace {
-
-struct OwnWindow final : ActiveWindowSource
-{
-    std::optional<ActiveWindow> activeWindow() override { return ActiveWindow{::getpid(), {}, 1}; }
-};
 
 struct FixedSelection final : PrimarySelection
 {
@@ -26,23 +16,13 @@ struct FixedSelection final : PrimarySelection
 };
 
 /// Requests to an application that a test scripts, over a real bus.
-class AtspiElementTest : public testing::Test
+class AtspiElementTest : public AtspiTest
 {
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(peer.start());
-        context->client = std::make_shared<AtspiClient>([this] { return peer.address(); });
-        context->activeWindow = std::make_shared<OwnWindow>();
+        AtspiTest::SetUp();
         context->primarySelection = std::make_shared<FixedSelection>();
-    }
-
-    template <class Fn>
-    auto onQueue(Fn work)
-    {
-        auto future = queue.run(std::move(work));
-        EXPECT_TRUE(waitUntil([&] { return future.isFinished(); }));
-        return future.result();
     }
     AXElement systemWide() { return AXElement(std::make_shared<AtspiSystemWideElement>(context)); }
     Captured capture(std::chrono::seconds limit = std::chrono::seconds(20))
@@ -70,10 +50,6 @@ protected:
         peer.answer({}, QStringLiteral("GetObject"),
                     [this](const QDBusMessage &call) { return QVariantList{peer.reference(call.path())}; });
     }
-
-    FakeAtspiPeer peer;
-    std::shared_ptr<AtspiContext> context = std::make_shared<AtspiContext>();
-    DispatchQueue queue{QStringLiteral("requests")};
 };
 
 TEST_F(AtspiElementTest, ReadsTextAndBoundsOfAPlainText)
@@ -140,19 +116,16 @@ TEST_F(AtspiElementTest, ATextBeyondAllBoundsIsNoText)
 
 TEST_F(AtspiElementTest, EndlessTreesAreWalkedWithinBounds)
 {
-    const QString grandchild = QStringLiteral("%1/x");
     int made = 0;
     peer.answer({}, QStringLiteral("GetState"), {FakeAtspiPeer::states({25})});
     peer.answer({}, QStringLiteral("GetChildren"), [&](const QDBusMessage &call) {
-        const bool isTop =
-            call.path().startsWith(QLatin1String("/org")) || call.path() == QLatin1String("/application");
-        if (isTop)
-            return QVariantList{peer.references({isTop && call.path() == QLatin1String("/application")
-                                                     ? QStringLiteral("/window")
-                                                     : QStringLiteral("/application")})};
+        if (call.path().startsWith(QLatin1String("/org")))
+            return QVariantList{peer.references({QStringLiteral("/application")})};
+        if (call.path() == QLatin1String("/application"))
+            return QVariantList{peer.references({QStringLiteral("/window")})};
         // Itself, its parent, and ever new ones.
         return QVariantList{
-            peer.references({call.path(), QStringLiteral("/window"), grandchild.arg(call.path()),
+            peer.references({call.path(), QStringLiteral("/window"), call.path() + QStringLiteral("/x"),
                              QStringLiteral("/n%1").arg(++made)})};
     });
     EXPECT_NE(errorOfFocus(std::chrono::seconds(20)), AXError::TimedOut);

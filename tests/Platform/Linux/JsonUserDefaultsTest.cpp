@@ -171,19 +171,5 @@ TEST_F(JsonUserDefaultsTest, AFullDiskKeepsTheOldFileAndTheNewValues)
     EXPECT_EQ(onDisk().size(), 3);
 }
 
-TEST_F(JsonUserDefaultsTest, AFolderThatCannotBeMadeIsTriedAgain)
-{
-    const QString blocker = QFileInfo(path).path();
-    QFile file(blocker);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    JsonUserDefaults defaults(path, log);
-    defaults.set(key, 1);
-    EXPECT_FALSE(defaults.flush());
-    EXPECT_EQ(defaults.number(key), 1);
-    ASSERT_TRUE(file.remove());
-    EXPECT_TRUE(defaults.flush());
-    EXPECT_EQ(onDisk()[key].toInt(), 1);
-}
-
 } // namespace
 } // namespace tovi

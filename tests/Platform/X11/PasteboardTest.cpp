@@ -18,23 +18,23 @@ namespace {
 using namespace std::chrono_literals;
 using Status = Pasteboard::Status;
 
-/// Another program that owns the clipboard and answers as a test says.
-class OddOwner
+/// A window of another program that owns a selection.
+class SelectionOwner
 {
 public:
-    enum class Manner { Silent, RefusesAll, StopsInTheMiddle };
-
-    explicit OddOwner(Manner manner)
-        : m_manner(manner)
-        , m_window(xcb_generate_id(m_session.connection()))
+    explicit SelectionOwner(const char *selection)
+        : m_window(xcb_generate_id(m_session.connection()))
     {
-        m_session.startDeadline(5s);
+        m_session.startDeadline(60s);
         auto *connection = m_session.connection();
         xcb_create_window(connection, 0, m_window, m_session.root(), 0, 0, 1, 1, 0,
                           XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
-        xcb_set_selection_owner(connection, m_window, m_session.atom("CLIPBOARD"), XCB_CURRENT_TIME);
+        xcb_set_selection_owner(connection, m_window, m_session.atom(selection), XCB_CURRENT_TIME);
         m_session.reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(connection));
     }
+    virtual ~SelectionOwner() = default;
+    SelectionOwner(const SelectionOwner &) = delete;
+
     /// Answers what has been asked.
     void serve()
     {
@@ -43,28 +43,41 @@ public:
             if ((event->response_type & 0x7f) != XCB_SELECTION_REQUEST)
                 continue;
             const auto &request = reinterpret_cast<const xcb_selection_request_event_t &>(*event);
-            m_requestor = request.requestor;
-            if (m_manner == Manner::Silent)
+            const auto property = answer(request);
+            if (!property)
                 continue;
-            const xcb_atom_t utf8 = m_session.atom("UTF8_STRING");
-            const quint32 size = 1 << 20;
-            const bool isTargets = request.target == m_session.atom("TARGETS");
-            if (m_manner == Manner::StopsInTheMiddle)
-                xcb_change_property(connection, XCB_PROP_MODE_REPLACE, request.requestor, request.property,
-                                    isTargets ? xcb_atom_t(XCB_ATOM_ATOM) : m_session.atom("INCR"), 32, 1,
-                                    isTargets ? &utf8 : &size);
             char buffer[32] = {};
             auto &notify = reinterpret_cast<xcb_selection_notify_event_t &>(buffer);
             notify.response_type = XCB_SELECTION_NOTIFY;
             notify.requestor = request.requestor;
             notify.selection = request.selection;
             notify.target = request.target;
-            notify.property = m_manner == Manner::RefusesAll ? xcb_atom_t(XCB_ATOM_NONE) : request.property;
+            notify.property = *property;
             xcb_send_event(connection, 0, request.requestor, 0, buffer);
         }
         xcb_flush(connection);
     }
 
+protected:
+    /// The property to tell, none to leave the request unanswered.
+    virtual std::optional<xcb_atom_t> answer(const xcb_selection_request_event_t &request) = 0;
+
+    XcbSession m_session;
+
+private:
+    const xcb_window_t m_window;
+};
+
+/// Owns the clipboard and answers as a test says.
+class OddOwner final : public SelectionOwner
+{
+public:
+    enum class Manner { Silent, RefusesAll, StopsInTheMiddle };
+
+    explicit OddOwner(Manner manner)
+        : SelectionOwner("CLIPBOARD")
+        , m_manner(manner)
+    {}
     /// Whether the window of the last request still takes an answer.
     bool canAnswer()
     {
@@ -75,10 +88,45 @@ public:
     }
 
 private:
+    std::optional<xcb_atom_t> answer(const xcb_selection_request_event_t &request) override
+    {
+        m_requestor = request.requestor;
+        if (m_manner == Manner::Silent)
+            return {};
+        if (m_manner == Manner::RefusesAll)
+            return XCB_ATOM_NONE;
+        const xcb_atom_t utf8 = m_session.atom("UTF8_STRING");
+        const quint32 size = 1 << 20;
+        const bool isTargets = request.target == m_session.atom("TARGETS");
+        xcb_change_property(m_session.connection(), XCB_PROP_MODE_REPLACE, request.requestor,
+                            request.property, isTargets ? xcb_atom_t(XCB_ATOM_ATOM) : m_session.atom("INCR"),
+                            32, 1, isTargets ? &utf8 : &size);
+        return request.property;
+    }
+
     xcb_window_t m_requestor = XCB_WINDOW_NONE;
     const Manner m_manner;
-    XcbSession m_session;
-    const xcb_window_t m_window;
+};
+
+/// Asks for the text when it is told to save what somebody leaves.
+class Manager final : public SelectionOwner
+{
+public:
+    explicit Manager(Pasteboard &clipboard)
+        : SelectionOwner("CLIPBOARD_MANAGER")
+        , m_clipboard(clipboard)
+    {}
+    QString saved;
+
+private:
+    std::optional<xcb_atom_t> answer(const xcb_selection_request_event_t &request) override
+    {
+        EXPECT_EQ(request.target, m_session.atom("SAVE_TARGETS"));
+        saved = m_clipboard.text(30s).value.text;
+        return request.property;
+    }
+
+    Pasteboard &m_clipboard;
 };
 
 class PasteboardOnX11 : public testing::Test
@@ -220,42 +268,17 @@ TEST_F(PasteboardOnX11, OwnersThatMisbehaveCostTheirLimitOnly)
 
 TEST_F(PasteboardOnX11, LeavesItsContentsToTheClipboardManager)
 {
-    // Stands in for a manager: it owns the manager's selection and asks for the text when told to save.
-    XcbSession manager;
-    manager.startDeadline(10s);
-    auto *connection = manager.connection();
-    const xcb_window_t window = xcb_generate_id(connection);
-    xcb_create_window(connection, 0, window, manager.root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
-                      XCB_COPY_FROM_PARENT, 0, nullptr);
-    xcb_set_selection_owner(connection, window, manager.atom("CLIPBOARD_MANAGER"), XCB_CURRENT_TIME);
-    manager.reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(connection));
-
+    Manager manager(ours);
     auto ending = std::make_unique<X11Pasteboard>();
     const qint64 before = ours.changeCount();
     ending->setString(QStringLiteral("kept"));
     ASSERT_TRUE(waitUntil([&] { return ours.changeCount() != before; })) << "ours knows it owns no more";
-    auto ended = QtConcurrent::run([&] { ending.reset(); });
-    QString saved;
+    const auto ended = QtConcurrent::run([&] { ending.reset(); });
     ASSERT_TRUE(waitUntil([&] {
-        while (const XcbOwned<xcb_generic_event_t> event{xcb_poll_for_event(connection)}) {
-            if ((event->response_type & 0x7f) != XCB_SELECTION_REQUEST)
-                continue;
-            const auto request = reinterpret_cast<const xcb_selection_request_event_t &>(*event);
-            EXPECT_EQ(request.target, manager.atom("SAVE_TARGETS"));
-            saved = ours.text(1s).value.text;
-            char buffer[32] = {};
-            auto &notify = reinterpret_cast<xcb_selection_notify_event_t &>(buffer);
-            notify.response_type = XCB_SELECTION_NOTIFY;
-            notify.requestor = request.requestor;
-            notify.selection = request.selection;
-            notify.target = request.target;
-            notify.property = request.property;
-            xcb_send_event(connection, 0, request.requestor, 0, buffer);
-            xcb_flush(connection);
-        }
+        manager.serve();
         return ended.isFinished();
     }));
-    EXPECT_EQ(saved, QStringLiteral("kept"));
+    EXPECT_EQ(manager.saved, QStringLiteral("kept"));
 }
 
 } // namespace

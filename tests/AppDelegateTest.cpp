@@ -222,23 +222,6 @@ TEST_F(AppDelegateTest, ASecondPressSupersedesTheFirst)
     EXPECT_EQ(shown(), (QList<Shown>{{QStringLiteral("second"), QStringLiteral("SECOND")}}));
 }
 
-TEST_F(AppDelegateTest, TwoHundredPressesLeaveOnePanel)
-{
-    select(QStringLiteral("again"));
-    for (int i = 0; i < 200; ++i) {
-        press(optionD);
-        if (i % 3 == 0)
-            drainMainQueue();
-    }
-    EXPECT_TRUE(showsResult(QStringLiteral("AGAIN")));
-    // Only the panel's own delay is left, no capture's watchdog.
-    EXPECT_TRUE(waitUntil([&] { return platform.clock().pendingActions() == 1; }));
-    EXPECT_EQ(platform.panelHost().open.size(), 1);
-    platform.panelHost().open.first()->onEscape();
-    drainMainQueue();
-    EXPECT_TRUE(platform.panelHost().open.isEmpty());
-}
-
 TEST_F(AppDelegateTest, TheInputPanelTranslatesWhatIsSubmitted)
 {
     press(optionT);
@@ -353,33 +336,6 @@ TEST_F(AppDelegateTest, ItsOwnCopyKeyCountsForNothing)
     platform.clock().advance(50ms);
     EXPECT_EQ(sourceAfterPair(), QStringLiteral("copied"));
     EXPECT_TRUE(showsResult(QStringLiteral("COPIED")));
-}
-
-TEST_F(AppDelegateTest, EditingKeysWorkInTextViewsOnly)
-{
-    press(optionT);
-    ASSERT_TRUE(showsSource(QString()));
-    QWidget &content = *platform.panelHost().open.first()->content;
-    auto *source = content.findChild<QPlainTextEdit *>();
-    const auto &monitor = platform.eventMonitors().localHandler;
-    constexpr quint32 v = 9, x = 7, a = 0, d = 2;
-    platform.pasteboard().put(QStringLiteral("pasted text"));
-    content.show();
-    content.activateWindow();
-    source->setFocus();
-    ASSERT_TRUE(waitUntil([&] { return QApplication::focusWidget() == source; }));
-    EXPECT_TRUE(monitor({v, ModifierFlag::command | ModifierFlag::shift}));
-    EXPECT_TRUE(waitUntil([&] { return source->toPlainText() == QLatin1String("pasted text"); }));
-    EXPECT_FALSE(monitor({keyCodeC, ModifierFlag::command | ModifierFlag::option}));
-    EXPECT_FALSE(monitor({d, ModifierFlag::command}));
-    EXPECT_TRUE(monitor({a, ModifierFlag::command}));
-    EXPECT_EQ(source->textCursor().selectedText(), QStringLiteral("pasted text"));
-    EXPECT_TRUE(monitor({x, ModifierFlag::command}));
-    EXPECT_EQ(source->toPlainText(), QString());
-    source->setReadOnly(true);
-    EXPECT_FALSE(monitor({v, ModifierFlag::command}));
-    source->clearFocus();
-    EXPECT_FALSE(monitor({a, ModifierFlag::command}));
 }
 
 TEST_F(AppDelegateTest, AFailedTranslationSaysSo)

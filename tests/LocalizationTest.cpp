@@ -114,12 +114,6 @@ TEST(Localization, FollowsTheFirstPreferredLanguageOfTheSystem)
         EXPECT_EQ(Localization::shared().resolvedLanguage(), expected) << code;
         EXPECT_EQ(Localization::shared().language.get(), AppLanguage::system);
     }
-    TestPlatform platform;
-    platform.application().languages.clear();
-    EXPECT_EQ(Localization::shared().resolvedLanguage(), en);
-    platform.application().languages << QStringLiteral("zh-Hant-HK");
-    Localization::shared().language = AppLanguage::system;
-    EXPECT_EQ(Localization::shared().t(Str::menuCapture), QStringLiteral("劃詞翻譯"));
 }
 
 TEST(Localization, AnAssignmentIsStoredThenAnnouncedOnce)

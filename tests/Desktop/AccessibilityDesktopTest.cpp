@@ -230,23 +230,5 @@ TEST_F(AccessibilityDesktop, TerminalsTellTheirSelectionThroughPrimary)
     EXPECT_EQ(captured.error, AXError::NoValue);
 }
 
-class DesktopWithoutAccessibility : public AccessibilityDesktop
-{
-protected:
-    DesktopWithoutAccessibility()
-        : AccessibilityDesktop({.accessibilityServices = false})
-    {}
-    void SetUp() override { ASSERT_EQ(desktop->error(), QString()); }
-};
-
-TEST_F(DesktopWithoutAccessibility, EverythingFailsAtOnce)
-{
-    accessibility->requestTrust();
-    for (int i = 0; i < 20; ++i) {
-        EXPECT_FALSE(accessibility->isProcessTrusted());
-        EXPECT_EQ(capture().error, AXError::NotTrusted);
-    }
-}
-
 } // namespace
 } // namespace tovi

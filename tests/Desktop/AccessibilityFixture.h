@@ -14,7 +14,7 @@ namespace tovi {
 class AccessibilityDesktop : public testing::Test
 {
 protected:
-    explicit AccessibilityDesktop(const DesktopSession::Options &options = {});
+    AccessibilityDesktop();
     ~AccessibilityDesktop() override;
     void SetUp() override;
 
@@ -34,6 +34,8 @@ protected:
     /// The selected text at a point of the screen, walking up as the capturer does.
     QString textAt(QPoint position);
 
+    /// The messaging time-out: longer than the program's, for busy machines.
+    static constexpr std::chrono::seconds patience{20};
     std::unique_ptr<DesktopSession> desktop;
     std::unique_ptr<AtspiAccessibility> accessibility;
     std::unique_ptr<DispatchQueue> queue;

@@ -59,21 +59,23 @@ protected:
             if (!captured)
                 return false;
             last = int(captured->numbers.value("source"));
-            trace.next("panelPainted");
+            EXPECT_TRUE(leaves(window)) << "no panel";
             desktop.pressKey(XK_Escape);
-            DesktopSession::eventually([&] { return desktop.activeWindow() == window; }, 5s);
+            EXPECT_TRUE(isActive(window)) << "the panel stays";
             return last == source;
         });
         EXPECT_TRUE(isTaken) << name << ": " << last;
-        EXPECT_EQ(contents(), before) << name;
+        EXPECT_TRUE(isClipboardBack()) << name;
     }
-    /// As another program reads it.
-    QList<PasteboardItem> contents()
+    /// As another program reads it; the program takes it back a moment after its capture.
+    bool isClipboardBack()
     {
-        QList<PasteboardItem> items;
-        for (const QString &type : reader.types(5s).value)
-            items << reader.item(type, 5s).value;
-        return items;
+        return DesktopSession::eventually([this] {
+            QList<PasteboardItem> items;
+            for (const QString &type : reader.types(5s).value)
+                items << reader.item(type, 5s).value;
+            return items == before;
+        });
     }
     /// The selection that programs show to others is another one's now.
     void takePrimary()
@@ -160,7 +162,7 @@ TEST_F(CaptureRoads, TheNextOneServesWhereOneIsSwitchedOff)
     desktop.setKey(XK_Alt_L, false);
     ASSERT_TRUE(captured);
     EXPECT_EQ(captured->numbers.value("source"), clipboard);
-    EXPECT_EQ(contents(), before);
+    EXPECT_TRUE(isClipboardBack());
 }
 
 TEST_F(CaptureRoads, WhatCopiesNoTextYieldsNone)
@@ -196,7 +198,7 @@ TEST_F(CaptureRoads, CopyingTwiceTranslates)
         desktop.click(desktop.geometry(editorWindow).center());
         desktop.pressKey(XK_a, {XK_Control_L});
         copy();
-        DesktopSession::rest(600ms); // longer than the two may be apart
+        DesktopSession::rest(1500ms); // longer than the two may be apart, on a busy machine, too
         return reader.text(1s).value.text == sentence;
     }));
     EXPECT_TRUE(shownTexts().isEmpty());

@@ -71,7 +71,9 @@ protected:
         X11Pasteboard pasteboard;
         Onlooker onlooker;
         const int shown = onlooker.windowsShown();
-        EXPECT_EQ(onQueue([this] { return item->performAction(QStringLiteral("AXPress")); }), AXError::None);
+        EXPECT_EQ(
+            onQueue([this] { return withTimeout(*item, patience).performAction(QStringLiteral("AXPress")); }),
+            AXError::None);
         EXPECT_TRUE(DesktopSession::eventually(
             [&] { return pasteboard.text(std::chrono::seconds(1)).value.text == line; }));
         EXPECT_EQ(onlooker.windowsShown(), shown) << "a menu became visible";

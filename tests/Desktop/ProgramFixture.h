@@ -103,14 +103,19 @@ protected:
             [&] { return shownTexts().join(QLatin1Char('\n')).contains(part); });
     }
     /// It is painted a moment before it gets the keyboard.
-    bool isPanelActive()
+    bool isPanelActive() { return leaves(editorWindow); }
+    bool leaves(xcb_window_t window)
     {
-        return DesktopSession::eventually([&] { return desktop.activeWindow() != editorWindow; });
+        return DesktopSession::eventually([&] {
+            const xcb_window_t active = desktop.activeWindow();
+            return active && active != window;
+        });
     }
-    bool isEditorActive()
+    bool isActive(xcb_window_t window)
     {
-        return DesktopSession::eventually([&] { return desktop.activeWindow() == editorWindow; });
+        return DesktopSession::eventually([&] { return desktop.activeWindow() == window; });
     }
+    bool isEditorActive() { return isActive(editorWindow); }
     QString settingsFile(const QString &name) const
     {
         return desktop.home() + QStringLiteral("/config/tovi/") + name;

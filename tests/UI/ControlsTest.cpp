@@ -74,13 +74,6 @@ QImage drawn(const IconImage &icon, int side = 48, const QColor &color = Qt::bla
     return icon.pixmap(QSizeF(side, side), color, 1).toImage();
 }
 
-TEST(ProviderLogo, UnknownLogosAreNamedByTheirWords)
-{
-    EXPECT_EQ(ProviderLogo::displayName(s("huggingface")), s("Hugging Face"));
-    EXPECT_EQ(ProviderLogo::displayName(s("my own MODEL-x")), s("My Own Model-X"));
-    EXPECT_EQ(ProviderLogo::displayName(QString()), QString());
-}
-
 TEST(Icons, AnUnknownNameHasNone)
 {
     for (const char *name : {"", "nonsense", "logo:", "logo:nonsense", "logo:../lucide", "Lucide",
@@ -177,18 +170,6 @@ protected:
     PopupMenuButton *button = new PopupMenuButton(&window);
     std::vector<std::string> chosen;
 };
-
-TEST_F(PopupMenuButtonTest, ALongTitleMayBeCutShort)
-{
-    button->setTitle(QString(5000, QLatin1Char('W')));
-    EXPECT_LT(button->minimumSizeHint().width(), 60);
-    button->resize(80, 18);
-    button->grab();
-    button->setItems({PopupMenuItem{button->title(), false, {}, {}}});
-    button->showMenu();
-    EXPECT_LT(button->menu()->sizeHint().width(), 500);
-    button->menu()->grab();
-}
 
 TEST_F(PopupMenuButtonTest, ShowsItsItemsInOrderWithTheirTitlesAsTheyStand)
 {
@@ -361,21 +342,6 @@ TEST(IconButton, WorksByPointerAndKeyboardAndLeavesTheFocusToTexts)
     ASSERT_TRUE(accessible);
     EXPECT_EQ(accessible->role(), QAccessible::Button);
     EXPECT_EQ(accessible->text(QAccessible::Name), s("Copy"));
-}
-
-TEST(IconButton, ShowsARingForTheKeyboardOnly)
-{
-    QWidget window;
-    IconButton button(&window);
-    window.show();
-    window.activateWindow();
-    QApplication::setActiveWindow(&window);
-    const QImage plain = button.grab().toImage();
-    button.setFocus(Qt::MouseFocusReason);
-    EXPECT_EQ(button.grab().toImage(), plain);
-    button.clearFocus();
-    button.setFocus(Qt::TabFocusReason);
-    EXPECT_NE(button.grab().toImage(), plain);
 }
 
 } // namespace

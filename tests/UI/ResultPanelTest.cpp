@@ -132,35 +132,6 @@ TEST_F(ResultPanelTest, RecognitionCountsTheSecondsAndHoldsTheFooter)
     EXPECT_LE(platform.clock().pendingActions(), pending) << "nothing ticks any more";
 }
 
-TEST_F(ResultPanelTest, MenusChooseForThePanel)
-{
-    const auto model = show(QStringLiteral("text"));
-    QStringList chosen;
-    model->onSelectLanguage = [&](const QString &code) { chosen << code; };
-    model->onSelectSourceLanguage = model->onSelectLanguage;
-    model->translatedText = QStringLiteral("translated");
-    model->providers[0].name = QStringLiteral("R&D");
-    model->providerName = QStringLiteral("Fallback");
-    drainMainQueue();
-    auto *target = find<PopupMenuButton>(QStringLiteral("Translate to"));
-    auto *source = find<PopupMenuButton>(QStringLiteral("Source Language"));
-    auto *engine = find<PopupMenuButton>(QStringLiteral("Default Engine"));
-    ASSERT_TRUE(target && source && engine);
-    EXPECT_EQ(source->items().size(), 10);
-    EXPECT_TRUE(source->items().first().isSelected);
-    EXPECT_EQ(engine->title(), QStringLiteral("Fallback"));
-    EXPECT_EQ(engine->items().first().title, QStringLiteral("R&D"));
-    target->items()[5].action();
-    source->items()[4].action();
-    drainMainQueue();
-    EXPECT_EQ(chosen, (QStringList{QStringLiteral("fr"), QStringLiteral("ja")}));
-    EXPECT_EQ(target->title(), QStringLiteral("Français"));
-    EXPECT_TRUE(target->items()[5].isSelected);
-    Localization::shared().language = AppLanguage::de;
-    drainMainQueue();
-    EXPECT_TRUE(button(Str::resultCopy)) << "the language of the interface changes at once";
-}
-
 TEST_F(ResultPanelTest, TheSourceIsEditedAndTheCopyConfirmed)
 {
     const auto model = show(QStringLiteral("text"));

@@ -270,8 +270,6 @@ TEST_F(ApertiumProgramsTest, TheLanguageIsDetectedForEachText)
 
 TEST_F(ApertiumRealTest, Translates)
 {
-    EXPECT_EQ(translated(QStringLiteral("The white house is big."), en, es),
-              QStringLiteral("La casa blanca es grande."));
     EXPECT_EQ(translated(QStringLiteral("The red car"), en, fr), QStringLiteral("La voiture rouge"));
     EXPECT_EQ(translated(QStringLiteral("The red car"), std::nullopt, es), QStringLiteral("El coche rojo"));
     // Words that it does not know come back without a mark.
@@ -298,12 +296,13 @@ TEST_F(ApertiumRealTest, SurvivesAKillAndAStopInMidSentence)
     for (const int signal : {SIGKILL, SIGSTOP}) {
         auto first = session->translate(text.repeated(400));
         auto second = session->translate(text);
-        ASSERT_EQ(runningPipelines().size(), 1);
-        const pid_t pipeline = runningPipelines().first();
-        ASSERT_EQ(::kill(-pipeline, signal), 0);
+        ASSERT_TRUE(waitUntil([] { return runningPipelines().size() == 1; }));
+        const auto pipelines = runningPipelines();
+        ASSERT_EQ(::kill(-pipelines.first(), signal), 0);
         EXPECT_TRUE(waitUntil([&] {
-            // The stopped programs give no sign: only time tells.
-            if (signal == SIGSTOP && runningPipelines().contains(pipeline))
+            // The stopped programs give no sign: only time tells. Others, once there, have their own.
+            if (signal == SIGSTOP && platform.clock().pendingActions() == 1 &&
+                runningPipelines() == pipelines)
                 platform.clock().advance(ApertiumPipeline::replyLimit);
             return first.isFinished();
         }));

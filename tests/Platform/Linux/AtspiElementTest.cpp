@@ -25,9 +25,9 @@ protected:
         context->primarySelection = std::make_shared<FixedSelection>();
     }
     AXElement systemWide() { return AXElement(std::make_shared<AtspiSystemWideElement>(context)); }
-    Captured capture(std::chrono::seconds limit = std::chrono::seconds(20))
+    Captured capture()
     {
-        return onQueue([this, limit] { return captureSelection(systemWide(), limit); });
+        return onQueue([this] { return captureSelection(systemWide(), std::chrono::seconds(20)); });
     }
     AXError errorOfFocus(std::chrono::milliseconds timeout)
     {
@@ -85,18 +85,14 @@ TEST_F(AtspiElementTest, NonsenseIsNoValue)
     const int least = std::numeric_limits<int>::min();
     const Case cases[] = {
         {"GetChildren", {QStringLiteral("no list")}, "primary"},
-        {"GetChildren", {}, "primary"},
         {"GetState", {42}, "primary"},
         {"GetState", {QVariant::fromValue(QList<uint>())}, "primary"},
-        {"ChildCount", {QStringLiteral("many")}, "primary"},
         {"ChildCount", {most}, "primary"},
         {"GetSelection", {most, least}, ""},
-        {"GetSelection", {-1, -1}, ""},
         {"GetSelection", {QStringLiteral("a"), 1}, ""},
         {"GetText", {7}, ""},
         {"GetRangeExtents", {most, most, most, most}, "Hello"},
         {"GetRangeExtents", {least, least, 1, 1}, "Hello"},
-        {"GetRangeExtents", {QStringLiteral("here")}, "Hello"},
     };
     for (const Case &one : cases) {
         SCOPED_TRACE(one.member);
@@ -111,7 +107,7 @@ TEST_F(AtspiElementTest, NonsenseIsNoValue)
 TEST_F(AtspiElementTest, ATextBeyondAllBoundsIsNoText)
 {
     peer.answer({}, QStringLiteral("GetText"), {QString(17 << 20, QLatin1Char('x'))});
-    EXPECT_EQ(capture(std::chrono::seconds(1)).text, QString());
+    EXPECT_EQ(capture().text, QString());
 }
 
 TEST_F(AtspiElementTest, EndlessTreesAreWalkedWithinBounds)

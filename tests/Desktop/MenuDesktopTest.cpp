@@ -90,8 +90,6 @@ protected:
 
 TEST_F(MenuDesktop, Gtk)
 {
-    if (!DesktopSession::isInstalled(QStringLiteral("mousepad")))
-        GTEST_SKIP() << "mousepad is not installed";
     QProcess *editor = open(QStringLiteral("mousepad"), {QStringLiteral("--disable-server")});
     ASSERT_TRUE(editor);
     copiesThroughTheMenu();
@@ -109,8 +107,6 @@ TEST_F(MenuDesktop, Gtk)
 
 TEST_F(MenuDesktop, Qt)
 {
-    if (!DesktopSession::isInstalled(QStringLiteral("featherpad")))
-        GTEST_SKIP() << "featherpad is not installed";
     ASSERT_TRUE(open(QStringLiteral("featherpad"), {QStringLiteral("--standalone")}));
     copiesThroughTheMenu();
 }

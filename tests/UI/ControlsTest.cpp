@@ -74,16 +74,6 @@ QImage drawn(const IconImage &icon, int side = 48, const QColor &color = Qt::bla
     return icon.pixmap(QSizeF(side, side), color, 1).toImage();
 }
 
-TEST(Icons, AnUnknownNameHasNone)
-{
-    for (const char *name : {"", "nonsense", "logo:", "logo:nonsense", "logo:../lucide", "Lucide",
-                             "LucideNonsense", "lucidePin", "xmark "})
-        EXPECT_TRUE(ProviderIcon::image(s(name)).isNull()) << name;
-    const IconImage none;
-    EXPECT_EQ(opaquePixels(drawn(none)), 0);
-    EXPECT_TRUE(none.icon().isNull());
-}
-
 /// With the icon packages built in.
 class BuiltInIcons : public testing::Test
 {

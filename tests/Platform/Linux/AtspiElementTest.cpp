@@ -175,28 +175,5 @@ TEST_F(AtspiElementTest, RecoversWhenTheBusWasRestarted)
     EXPECT_EQ(capture().text, QStringLiteral("Hello"));
 }
 
-TEST_F(AtspiElementTest, UnknownAttributesAndForeignParametersAreRefused)
-{
-    const auto errors = onQueue([this] {
-        const AXElement element = withTimeout(AXElement(
-            std::make_shared<AtspiElement>(context, AtspiObject{"org.a11y.atspi.Registry", "/text"})));
-        const auto parameterized = [&](const char *name, const AXValue &value) {
-            return element.parameterizedAttribute(QString::fromLatin1(name), value).error;
-        };
-        return std::vector<AXError>{
-            element.attribute(QStringLiteral("AXNoSuchThing")).error,
-            parameterized("AXNoSuchThing", QString()),
-            parameterized("AXStringForTextMarkerRange", QString()),
-            parameterized("AXStringForTextMarkerRange", AXTextMarkerRange{}),
-            parameterized("AXBoundsForRange", QRectF()),
-            parameterized("AXBoundsForRange", AXRange{-5, 3}),
-            parameterized("AXBoundsForRange", AXRange{std::numeric_limits<int>::max(), 3}),
-        };
-    });
-    EXPECT_EQ(errors, (std::vector<AXError>{AXError::AttributeUnsupported, AXError::AttributeUnsupported,
-                                            AXError::NoValue, AXError::NoValue, AXError::NoValue,
-                                            AXError::NoValue, AXError::NoValue}));
-}
-
 } // namespace
 } // namespace tovi

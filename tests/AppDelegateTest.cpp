@@ -33,6 +33,10 @@ protected:
     {
         platform.userDefaults().values[QStringLiteral("ocrEnabled")] = false;
         platform.userDefaults().values[QStringLiteral("hasCompletedOnboarding")] = true;
+        session->answer = [this](const QString &text) {
+            translated << text;
+            return text.toUpper();
+        };
         platform.translationFramework().onOpen = [this](auto &request) { request.handler(session); };
         QList<ProviderConfig> providers = Settings::shared().providers;
         for (ProviderConfig &provider : providers) {
@@ -99,6 +103,7 @@ protected:
     }
 
     QSemaphore asked, answer;
+    QStringList translated;
     TestPlatform platform;
     std::shared_ptr<TestTranslationSession> session = std::make_shared<TestTranslationSession>();
     AppDelegate delegate;
@@ -207,6 +212,7 @@ TEST_F(AppDelegateTest, AHungCaptureIsAbandonedAndItsLateResultDropped)
     press(optionD);
     EXPECT_TRUE(showsResult(QStringLiteral("NEXT")));
     EXPECT_EQ(shown().size(), 1);
+    EXPECT_EQ(translated, QStringList(QStringLiteral("next")));
 }
 
 TEST_F(AppDelegateTest, ASecondPressSupersedesTheFirst)
@@ -220,6 +226,7 @@ TEST_F(AppDelegateTest, ASecondPressSupersedesTheFirst)
     answer.release(100);
     EXPECT_TRUE(showsResult(QStringLiteral("SECOND")));
     EXPECT_EQ(shown(), (QList<Shown>{{QStringLiteral("second"), QStringLiteral("SECOND")}}));
+    EXPECT_EQ(translated, QStringList(QStringLiteral("second")));
 }
 
 TEST_F(AppDelegateTest, TheInputPanelTranslatesWhatIsSubmitted)
@@ -336,6 +343,27 @@ TEST_F(AppDelegateTest, ItsOwnCopyKeyCountsForNothing)
     platform.clock().advance(50ms);
     EXPECT_EQ(sourceAfterPair(), QStringLiteral("copied"));
     EXPECT_TRUE(showsResult(QStringLiteral("COPIED")));
+}
+
+TEST_F(AppDelegateTest, EditingKeysWorkInTextViewsOnly)
+{
+    press(optionT);
+    ASSERT_TRUE(showsSource(QString()));
+    QWidget &content = *platform.panelHost().open.first()->content;
+    auto *source = content.findChild<QPlainTextEdit *>();
+    source->setPlainText(QStringLiteral("text"));
+    content.show();
+    content.activateWindow();
+    source->setFocus();
+    ASSERT_TRUE(waitUntil([&] { return QApplication::focusWidget() == source; }));
+    const auto &monitor = platform.eventMonitors().localHandler;
+    constexpr quint32 keyCodeA = 0, keyCodeD = 2;
+    EXPECT_FALSE(monitor({keyCodeA, ModifierFlag::command | ModifierFlag::option}));
+    EXPECT_FALSE(monitor({keyCodeD, ModifierFlag::command}));
+    EXPECT_TRUE(monitor({keyCodeA, ModifierFlag::command | ModifierFlag::shift}));
+    EXPECT_EQ(source->textCursor().selectedText(), QStringLiteral("text"));
+    source->clearFocus();
+    EXPECT_FALSE(monitor({keyCodeA, ModifierFlag::command}));
 }
 
 TEST_F(AppDelegateTest, AFailedTranslationSaysSo)

@@ -110,5 +110,11 @@ TEST_F(AccessibilityCapturerTest, LooksAtTheElementUnderThePointAndThreeAncestor
     }
 }
 
+TEST_F(AccessibilityCapturerTest, AnEmptyElementIsNone)
+{
+    systemWide.attributes[QStringLiteral("AXFocusedUIElement")] = {AXError::None, AXElement()};
+    EXPECT_FALSE(AccessibilityCapturer::focusedElement());
+}
+
 } // namespace
 } // namespace tovi

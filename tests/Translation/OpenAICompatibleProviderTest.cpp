@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include <QJsonArray>
 
 #include "Json.h"
@@ -137,6 +139,18 @@ TEST_F(OpenAICompatibleProviderTest, RequestsSayWhatIsWanted)
     EXPECT_TRUE(server.requests().last().header("Authorization").isNull());
     translate(automatic);
     EXPECT_EQ(content(0), QStringLiteral("Translate"));
+}
+
+TEST_F(OpenAICompatibleProviderTest, WhatIsNotConfiguredSendsNothing)
+{
+    config.temperature = std::nan("");
+    EXPECT_EQ(failure(), TranslationError::network(QStringLiteral("The request cannot be written as JSON")));
+    config.model = QStringLiteral(" ");
+    EXPECT_EQ(failure(),
+              TranslationError::missingConfiguration(QStringLiteral("Please fill in a model name")));
+    config.baseURL = QStringLiteral(" %@ %d ");
+    EXPECT_EQ(failure(), TranslationError::missingConfiguration(QStringLiteral("Invalid Base URL: %@ %d")));
+    EXPECT_TRUE(server.requests().isEmpty());
 }
 
 TEST_F(OpenAICompatibleProviderTest, FailuresBecomeShortMessages)

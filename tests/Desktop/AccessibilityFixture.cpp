@@ -6,8 +6,8 @@
 
 namespace tovi {
 
-AccessibilityDesktop::AccessibilityDesktop(const DesktopSession::Options &options)
-    : desktop(std::make_unique<DesktopSession>(options))
+AccessibilityDesktop::AccessibilityDesktop()
+    : desktop(std::make_unique<DesktopSession>())
     , accessibility(std::make_unique<AtspiAccessibility>(std::make_shared<FrontWindow>(),
                                                          std::make_shared<XcbPrimarySelection>()))
     , queue(std::make_unique<DispatchQueue>(QStringLiteral("capture")))
@@ -26,7 +26,7 @@ void AccessibilityDesktop::SetUp()
 
 Captured AccessibilityDesktop::capture()
 {
-    return onQueue([this] { return captureSelection(accessibility->systemWideElement()); });
+    return onQueue([this] { return captureSelection(accessibility->systemWideElement(), patience); });
 }
 
 Captured AccessibilityDesktop::captureUntil(const QString &expected, std::chrono::seconds limit)
@@ -45,7 +45,7 @@ bool AccessibilityDesktop::waitForAccessibleFocus()
 {
     return DesktopSession::eventually([this] {
         return onQueue([this] {
-            const AXResult focused = withTimeout(accessibility->systemWideElement())
+            const AXResult focused = withTimeout(accessibility->systemWideElement(), patience)
                                          .attribute(QStringLiteral("AXFocusedUIElement"));
             const auto *element = focused.get<AXElement>();
             const AXError error =
@@ -58,27 +58,20 @@ bool AccessibilityDesktop::waitForAccessibleFocus()
 QString AccessibilityDesktop::textAt(QPoint position)
 {
     return onQueue([this, position] {
-        AXResult found = withTimeout(accessibility->systemWideElement())
+        AXResult found = withTimeout(accessibility->systemWideElement(), patience)
                              .elementAtPosition(float(position.x()), float(position.y()));
         for (int i = 0; i < 4; ++i) {
             const auto *element = found.get<AXElement>();
             if (!element)
                 break;
             bool byMarkerRange = false;
-            const AXResult text = selectedText(withTimeout(*element), &byMarkerRange);
+            const AXResult text = selectedText(withTimeout(*element, patience), &byMarkerRange);
             if (const auto *value = text.get<QString>())
                 return *value;
             found = element->attribute(QStringLiteral("AXParent"));
         }
         return QString();
     });
-}
-
-void AccessibilityDesktop::print(const char *application, const Captured &captured)
-{
-    std::printf("%s: focus %.1f ms, text %.1f ms%s, bounds %.1f ms\n", application,
-                captured.focusMilliseconds, captured.textMilliseconds,
-                captured.byMarkerRange ? " (marker range)" : "", captured.boundsMilliseconds);
 }
 
 } // namespace tovi

@@ -14,7 +14,7 @@ namespace tovi {
 class AccessibilityDesktop : public testing::Test
 {
 protected:
-    explicit AccessibilityDesktop(const DesktopSession::Options &options = {});
+    AccessibilityDesktop();
     ~AccessibilityDesktop() override;
     void SetUp() override;
 
@@ -33,8 +33,9 @@ protected:
     Captured captureUntil(const QString &expected, std::chrono::seconds limit = DesktopSession::defaultLimit);
     /// The selected text at a point of the screen, walking up as the capturer does.
     QString textAt(QPoint position);
-    void print(const char *application, const Captured &captured);
 
+    /// The messaging time-out: longer than the program's, for busy machines.
+    static constexpr std::chrono::seconds patience{20};
     std::unique_ptr<DesktopSession> desktop;
     std::unique_ptr<AtspiAccessibility> accessibility;
     std::unique_ptr<DispatchQueue> queue;

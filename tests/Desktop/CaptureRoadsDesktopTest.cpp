@@ -21,22 +21,6 @@ constexpr int browserScript = int(CaptureSource::browserScript);
 constexpr int menuBarCopy = int(CaptureSource::menuBarCopy);
 constexpr int clipboard = int(CaptureSource::clipboard);
 
-const char *nameOf(int source)
-{
-    switch (source) {
-    case accessibility:
-        return "accessibility";
-    case browserScript:
-        return "browser script";
-    case menuBarCopy:
-        return "Copy menu item";
-    case clipboard:
-        return "copy keystroke";
-    default:
-        return "none";
-    }
-}
-
 class CaptureRoads : public ProgramDesktop
 {
 protected:
@@ -64,39 +48,35 @@ protected:
         desktop.click(center());
         desktop.pressKey(XK_a, {XK_Control_L});
     }
-    /// Presses the shortcut after each try to select until the program takes this road; prints the table's
-    /// row.
+    /// Presses the shortcut after each try to select until the program takes this road.
     void expectRoad(const char *name, int source, const std::function<void()> &select)
     {
-        qint64 nanoseconds = 0;
         int last = nothing;
         const bool isTaken = DesktopSession::eventually([&] {
             select();
             desktop.pressKeyTimed(XK_d, XK_Alt_L);
-            const auto started = trace.next("captureStarted");
             const auto captured = trace.next("captured");
-            if (!started || !captured)
+            if (!captured)
                 return false;
-            nanoseconds = captured->nanoseconds - started->nanoseconds;
             last = int(captured->numbers.value("source"));
-            trace.next("panelPainted");
+            EXPECT_TRUE(leaves(window)) << "no panel";
             desktop.pressKey(XK_Escape);
-            DesktopSession::eventually([&] { return desktop.activeWindow() == window; }, 5s);
+            EXPECT_TRUE(isActive(window)) << "the panel stays";
             return last == source;
         });
-        EXPECT_TRUE(isTaken) << name << ": " << nameOf(last);
-        std::printf("  %-44s %-16s %7.1f ms\n", name, nameOf(last), double(nanoseconds) / 1e6);
-        expectClipboard(name);
+        EXPECT_TRUE(isTaken) << name << ": " << last;
+        EXPECT_TRUE(isClipboardBack()) << name;
     }
-    /// As another program reads it.
-    QList<PasteboardItem> contents()
+    /// As another program reads it; the program takes it back a moment after its capture.
+    bool isClipboardBack()
     {
-        QList<PasteboardItem> items;
-        for (const QString &type : reader.types(5s).value)
-            items << reader.item(type, 5s).value;
-        return items;
+        return DesktopSession::eventually([this] {
+            QList<PasteboardItem> items;
+            for (const QString &type : reader.types(5s).value)
+                items << reader.item(type, 5s).value;
+            return items == before;
+        });
     }
-    void expectClipboard(const char *name) { EXPECT_EQ(contents(), before) << name; }
     /// The selection that programs show to others is another one's now.
     void takePrimary()
     {
@@ -182,16 +162,7 @@ TEST_F(CaptureRoads, TheNextOneServesWhereOneIsSwitchedOff)
     desktop.setKey(XK_Alt_L, false);
     ASSERT_TRUE(captured);
     EXPECT_EQ(captured->numbers.value("source"), clipboard);
-    expectClipboard("modifier held");
-}
-
-TEST_F(CaptureRoads, WithoutTheClipboardNothingTouchesIt)
-{
-    start({{QStringLiteral("clipboardFallback"), false}});
-    ASSERT_TRUE(open(copyTarget, {sentence}, QStringLiteral("copy target")));
-    const qint64 count = reader.changeCount();
-    expectRoad("window with a Copy item, clipboard not allowed", nothing, [] {});
-    EXPECT_EQ(reader.changeCount(), count);
+    EXPECT_TRUE(isClipboardBack());
 }
 
 TEST_F(CaptureRoads, WhatCopiesNoTextYieldsNone)
@@ -216,14 +187,6 @@ TEST_F(CaptureRoads, WhatCopiesNoTextYieldsNone)
         expectRoad(terminal, nothing, [] {});
         EXPECT_FALSE(QFile::exists(mark)) << terminal;
     }
-
-    // A picture stays, for it is what the user would find after a copy of theirs.
-    ASSERT_TRUE(open(copyTarget, {QStringLiteral("--image"), sentence}, QStringLiteral("copy target")));
-    desktop.pressKeyTimed(XK_d, XK_Alt_L);
-    const auto captured = trace.next("captured");
-    ASSERT_TRUE(captured);
-    EXPECT_EQ(captured->numbers.value("source"), nothing);
-    EXPECT_TRUE(reader.types(5s).value.contains(QStringLiteral("image/png")));
 }
 
 TEST_F(CaptureRoads, CopyingTwiceTranslates)
@@ -235,7 +198,7 @@ TEST_F(CaptureRoads, CopyingTwiceTranslates)
         desktop.click(desktop.geometry(editorWindow).center());
         desktop.pressKey(XK_a, {XK_Control_L});
         copy();
-        DesktopSession::rest(600ms); // longer than the two may be apart
+        DesktopSession::rest(1500ms); // longer than the two may be apart, on a busy machine, too
         return reader.text(1s).value.text == sentence;
     }));
     EXPECT_TRUE(shownTexts().isEmpty());

@@ -59,12 +59,14 @@ protected:
                    isPanelActive();
         });
     }
+    /// Whether an object of this name is meant.
+    virtual bool isNamed(const QString &name, const QString &wanted) const { return name == wanted; }
     /// The shown objects of this name, and of any role when it is empty.
     QList<AccessibleTree::Node> nodes(const QString &name, const QString &role = {}) const
     {
         QList<AccessibleTree::Node> found;
         for (const AccessibleTree::Node &node : AccessibleTree::read(tovi->processId())) {
-            if (node.name == name && (role.isEmpty() || node.role == role) && !node.extents.isEmpty())
+            if (isNamed(node.name, name) && (role.isEmpty() || node.role == role) && !node.extents.isEmpty())
                 found << node;
         }
         return found;
@@ -80,9 +82,10 @@ protected:
     /// Clicks the last of them once it is shown.
     bool click(const QString &name, const QString &role = {}, int button = 1)
     {
-        if (!has(name, role))
+        QList<AccessibleTree::Node> found;
+        if (!DesktopSession::eventually([&] { return !(found = nodes(name, role)).isEmpty(); }, patience))
             return false;
-        desktop.click(nodes(name, role).last().extents.center(), 1, button);
+        desktop.click(found.last().extents.center(), 1, button);
         return true;
     }
     QStringList shownTexts()
@@ -100,14 +103,19 @@ protected:
             [&] { return shownTexts().join(QLatin1Char('\n')).contains(part); });
     }
     /// It is painted a moment before it gets the keyboard.
-    bool isPanelActive()
+    bool isPanelActive() { return leaves(editorWindow); }
+    bool leaves(xcb_window_t window)
     {
-        return DesktopSession::eventually([&] { return desktop.activeWindow() != editorWindow; });
+        return DesktopSession::eventually([&] {
+            const xcb_window_t active = desktop.activeWindow();
+            return active && active != window;
+        });
     }
-    bool isEditorActive()
+    bool isActive(xcb_window_t window)
     {
-        return DesktopSession::eventually([&] { return desktop.activeWindow() == editorWindow; });
+        return DesktopSession::eventually([&] { return desktop.activeWindow() == window; });
     }
+    bool isEditorActive() { return isActive(editorWindow); }
     QString settingsFile(const QString &name) const
     {
         return desktop.home() + QStringLiteral("/config/tovi/") + name;

@@ -82,18 +82,5 @@ TEST(Platform, SharedInstancesEndNewestFirst)
     EXPECT_EQ(ended, (QStringList{QStringLiteral("second"), QStringLiteral("first")}));
 }
 
-TEST(TestClock, RunsDueActionsInOrderAndForgetsCancelledOnes)
-{
-    TestPlatform platform;
-    QList<int> ran;
-    auto &clock = platform.clock();
-    clock.afterDetached(std::chrono::milliseconds(20), [&] { ran << 2; });
-    Subscription one = clock.after(std::chrono::milliseconds(10), [&] { ran << 1; });
-    Subscription never = clock.after(std::chrono::milliseconds(15), [&] { ran << 3; });
-    never.reset();
-    clock.advance(std::chrono::milliseconds(30));
-    EXPECT_EQ(ran, (QList<int>{1, 2}));
-}
-
 } // namespace
 } // namespace tovi

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "Platform/DispatchQueue.h"
+#include "Support/Await.h"
 #include "Support/TestPlatform.h"
 #include "Translation/AppleTranslation.h"
 
@@ -46,10 +47,8 @@ protected:
     /// The engine's result, or its error's description.
     QString translated(const QString &text, const QString &target, const QString &source)
     {
-        auto future = queue.spawn([=] { return translate(text, target, source); });
-        EXPECT_TRUE(waitUntil([&] { return future.isFinished(); }));
         try {
-            const TranslationResult result = future.result();
+            const auto result = await(queue.spawn([=] { return translate(text, target, source); }));
             EXPECT_EQ(result.providerName, QStringLiteral("Offline"));
             return result.translatedText;
         } catch (const TranslationError &error) {

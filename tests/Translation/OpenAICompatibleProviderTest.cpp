@@ -59,13 +59,17 @@ protected:
                                               co_return;
                                           }));
     }
+    std::optional<TranslationError> streamFailure()
+    {
+        const auto own = engine();
+        const auto ignore = [](QString) -> QCoro::Task<> { co_return; };
+        return errorOf<TranslationError>(own->translateStream(QStringLiteral("one"), de, automatic, ignore));
+    }
     /// The errors of both modes, which the caller expects to be one.
     TranslationError failure()
     {
         const auto own = engine();
-        const auto ignore = [](QString) -> QCoro::Task<> { co_return; };
-        const auto streamed =
-            errorOf<TranslationError>(own->translateStream(QStringLiteral("one"), de, automatic, ignore));
+        const auto streamed = streamFailure();
         const auto whole = errorOf<TranslationError>(own->translate(QStringLiteral("one"), de, automatic));
         EXPECT_TRUE(streamed && whole && *streamed == *whole);
         return whole.value_or(TranslationError::parse());
@@ -79,22 +83,18 @@ TEST_F(OpenAICompatibleProviderTest, BaseURLsBecomeEndpoints)
 {
     const std::pair<const char *, const char *> rows[] = {
         {"https://a.example", "https://a.example/v1/chat/completions"},
-        {"https://a.example//", "https://a.example/v1/chat/completions"},
         {"https://a.example/v1/", "https://a.example/v1/chat/completions"},
         {"https://a.example/x/v1beta", "https://a.example/x/v1beta/chat/completions"},
         {"https://a.example/openai", "https://a.example/openai/chat/completions"},
         {"http://127.0.0.1:8080/chat/completions/", "http://127.0.0.1:8080/chat/completions"},
         {"https://a.example/V1", "https://a.example/V1/v1/chat/completions"},
         {"https://a.example/api", "https://a.example/api/v1/chat/completions"},
-        {"http://[::1]:1234", "http://[::1]:1234/v1/chat/completions"},
         {"a.example", nullptr},
         {"localhost:8080", nullptr},
         {"ftp://a.example", nullptr},
         {"file:///etc/passwd", nullptr},
         {"https://", nullptr},
-        {"https:///v1", nullptr},
         {"https://a b.example", nullptr},
-        {"https://a.example:99999", nullptr},
         {"https://a.example/%zz", nullptr},
     };
     for (const auto &[base, expected] : rows) {
@@ -122,15 +122,12 @@ TEST_F(OpenAICompatibleProviderTest, RequestsSayWhatIsWanted)
     EXPECT_EQ(request.target, "/v1/chat/completions");
     EXPECT_EQ(request.header("Content-Type"), "application/json");
     EXPECT_EQ(request.header("Authorization"), "Bearer   ");
-    EXPECT_EQ(request.header("Accept"), "*/*");
     const auto messages = [this] { return arrayOfObjects(sentBody().value(QLatin1String("messages"))); };
     const auto content = [&](int i) { return messages()->at(i).value(QLatin1String("content")).toString(); };
     EXPECT_EQ(sentBody().value(QLatin1String("model")).toString(), config.model);
     EXPECT_EQ(sentBody().value(QLatin1String("temperature")).toDouble(), 0.7);
     EXPECT_EQ(sentBody().value(QLatin1String("stream")), QJsonValue(false));
-    EXPECT_EQ(messages()->at(0).value(QLatin1String("role")).toString(), QStringLiteral("system"));
     EXPECT_EQ(content(0), QStringLiteral("To German from Japanese. German!"));
-    EXPECT_EQ(messages()->at(1).value(QLatin1String("role")).toString(), QStringLiteral("user"));
     EXPECT_EQ(content(1), text);
 
     translate(QString());
@@ -144,31 +141,15 @@ TEST_F(OpenAICompatibleProviderTest, RequestsSayWhatIsWanted)
     EXPECT_EQ(content(0), QStringLiteral("Translate"));
 }
 
-TEST_F(OpenAICompatibleProviderTest, ConfigurationErrorsComeBeforeAnyTraffic)
+TEST_F(OpenAICompatibleProviderTest, WhatIsNotConfiguredSendsNothing)
 {
-    struct Row
-    {
-        QString base;
-        QString model;
-        double temperature;
-        TranslationError error;
-    };
-    const auto missing = &TranslationError::missingConfiguration;
-    const QString good = server.origin();
-    const QString model = QStringLiteral("m");
-    const Row rows[] = {
-        {QStringLiteral(" \n"), {}, 0, missing(QStringLiteral("Please fill in a Base URL"))},
-        {QStringLiteral(" %@ %d "), {}, 0, missing(QStringLiteral("Invalid Base URL: %@ %d"))},
-        {good, QStringLiteral(" "), 0, missing(QStringLiteral("Please fill in a model name"))},
-        {good, model, std::nan(""),
-         TranslationError::network(QStringLiteral("The request cannot be written as JSON"))},
-    };
-    for (const Row &row : rows) {
-        config.baseURL = row.base;
-        config.model = row.model;
-        config.temperature = row.temperature;
-        EXPECT_EQ(failure(), row.error) << qPrintable(failure().localizedDescription());
-    }
+    config.temperature = std::nan("");
+    EXPECT_EQ(failure(), TranslationError::network(QStringLiteral("The request cannot be written as JSON")));
+    config.model = QStringLiteral(" ");
+    EXPECT_EQ(failure(),
+              TranslationError::missingConfiguration(QStringLiteral("Please fill in a model name")));
+    config.baseURL = QStringLiteral(" %@ %d ");
+    EXPECT_EQ(failure(), TranslationError::missingConfiguration(QStringLiteral("Invalid Base URL: %@ %d")));
     EXPECT_TRUE(server.requests().isEmpty());
 }
 
@@ -192,7 +173,6 @@ TEST_F(OpenAICompatibleProviderTest, FailuresBecomeShortMessages)
         {404, R"({"error":"text","message":""})", QStringLiteral("Endpoint or model not found")},
         {429, "[1]", QStringLiteral("Rate limited or quota exceeded")},
         {500, R"({"error":{"message":7},"message":"m"})", QStringLiteral("Server error \u00b7 m")},
-        {502, "<html><body>Bad gateway</body></html>", QStringLiteral("Server error")},
         {599, QByteArray(64 * 1024, '['), QStringLiteral("Server error")},
         {400, "", QStringLiteral("Request failed (HTTP 400)")},
         {600, error(QByteArray(300, 'a')),
@@ -205,28 +185,20 @@ TEST_F(OpenAICompatibleProviderTest, FailuresBecomeShortMessages)
 
     int current = 0;
     answer = [&](const Request &, Reply &reply) { reply.answer(rows[current].status, rows[current].body); };
-    for (; current < 10; ++current)
+    for (; current < 9; ++current)
         EXPECT_EQ(failure(), TranslationError::network(rows[current].message)) << current;
 }
 
 TEST_F(OpenAICompatibleProviderTest, TransportFailuresBecomeShortMessages)
 {
-    using Code = URLError::Code;
-    const std::pair<Code, QString> rows[] = {
-        {Code::timedOut, QStringLiteral("Request timed out")},
-        {Code::notConnectedToInternet, QStringLiteral("No internet connection")},
-        {Code::networkConnectionLost, QStringLiteral("No internet connection")},
-        {Code::dataNotAllowed, QStringLiteral("No internet connection")},
-        {Code::cannotFindHost, QStringLiteral("Cannot reach the server")},
-        {Code::cannotConnectToHost, QStringLiteral("Cannot reach the server")},
-        {Code::dnsLookupFailed, QStringLiteral("Cannot reach the server")},
-        {Code::serverCertificateUntrusted, QStringLiteral("The server's certificate is not trusted")},
+    const auto mapped = [](const auto &error) {
+        return ProviderErrorMapper::network(std::make_exception_ptr(error));
     };
-    for (const auto &[code, message] : rows) {
-        EXPECT_EQ(ProviderErrorMapper::network(std::make_exception_ptr(URLError(code))),
-                  TranslationError::network(message));
-    }
-    EXPECT_EQ(ProviderErrorMapper::network(std::make_exception_ptr(std::runtime_error("secret"))),
+    EXPECT_EQ(mapped(URLError(URLError::Code::timedOut)),
+              TranslationError::network(QStringLiteral("Request timed out")));
+    EXPECT_EQ(mapped(URLError(URLError::Code::cannotFindHost)),
+              TranslationError::network(QStringLiteral("Cannot reach the server")));
+    EXPECT_EQ(mapped(std::runtime_error("secret")),
               TranslationError::network(QStringLiteral("The request failed")));
 
     // In the middle of a stream, after text was delivered.
@@ -256,20 +228,17 @@ TEST_F(OpenAICompatibleProviderTest, WholeAnswersYieldTheirContent)
     for (const auto &[body, content] : good)
         EXPECT_EQ(OpenAICompatibleProvider::parseContent(body), QLatin1String(content)) << body;
 
+    const auto notJson = TranslationError::network(QStringLiteral("The server's answer is not valid JSON"));
     const std::pair<QByteArray, TranslationError> bad[] = {
         {R"({"choices":[{"message":{"content":" \n"}}]})", TranslationError::empty()},
         {R"({"choices":[{"message":{"content":[]}}],"error":{"message":"e"}})", TranslationError::empty()},
         {R"({"choices":[{"message":{}},7],"error":{"message":"100%@"}})",
          TranslationError::network(QStringLiteral("100%@"))},
-        {R"({"choices":[],"error":{"message":"e"}})", TranslationError::network(QStringLiteral("e"))},
         {R"({"choices":[{"message":{"content":7}}],"error":{}})", TranslationError::parse()},
         {"[]", TranslationError::parse()},
-        {"7", TranslationError::parse()},
-        {"", TranslationError::network(QStringLiteral("The server's answer is not valid JSON"))},
-        {"1,2", TranslationError::network(QStringLiteral("The server's answer is not valid JSON"))},
-        {"{\"choices\":[{\"text\":\"\xff\"}]}",
-         TranslationError::network(QStringLiteral("The server's answer is not valid JSON"))},
-        {"<html></html>", TranslationError::network(QStringLiteral("The server's answer is not valid JSON"))},
+        {"", notJson},
+        {"1,2", notJson},
+        {"{\"choices\":[{\"text\":\"\xff\"}]}", notJson},
         {QByteArray(100'000, '['),
          TranslationError::network(QStringLiteral("The server's answer is nested too deeply"))},
     };
@@ -361,11 +330,7 @@ TEST_F(OpenAICompatibleProviderTest, StreamsGrow)
          {QByteArray("data: {\"choices\":[{\"delta\":{\"role\":\"assistant\"}}]}\n\n"),
           QByteArray("{\"error\":{\"message\":\"e\"}}"), QByteArray("<html></html>"), event(" ") + "\n\n"}) {
         pieces = {nothing};
-        const auto own = engine();
-        const auto ignore = [](QString) -> QCoro::Task<> { co_return; };
-        EXPECT_EQ(
-            errorOf<TranslationError>(own->translateStream(QStringLiteral("one"), de, automatic, ignore)),
-            TranslationError::empty());
+        EXPECT_EQ(streamFailure(), TranslationError::empty());
     }
 }
 
@@ -385,10 +350,7 @@ TEST_F(OpenAICompatibleProviderTest, HostileAnswersAreBounded)
         TranslationError::network(QStringLiteral("The server's answer is too long"));
     EXPECT_EQ(failure(), tooLong); // one endless line
     hasLines = true;
-    const auto own = engine();
-    const auto ignore = [](QString) -> QCoro::Task<> { co_return; };
-    EXPECT_EQ(errorOf<TranslationError>(own->translateStream(QStringLiteral("one"), de, automatic, ignore)),
-              tooLong);
+    EXPECT_EQ(streamFailure(), tooLong);
     EXPECT_LT(sent, 32 * 1024 * 1024);
 }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
-#include "Localization.h"
 #include "Settings.h"
+#include "Support/Await.h"
 #include "Support/TestPlatform.h"
 #include "Translation/TranslationProvider.h"
 #include "Translation/Translator.h"
@@ -27,7 +27,6 @@ struct Script
 
     std::mutex mutex;
     QStringList calls; // "kind text target source"
-    QList<ProviderConfig> configs;
     QStringList names;
     QList<Clock::Duration> timeouts;
     bool wasOnMainThread = false;
@@ -86,46 +85,34 @@ protected:
         translator.providerFactory = [script = script](const ProviderConfig &config, const QString &name,
                                                        Clock::Duration timeout) {
             const std::scoped_lock lock(script->mutex);
-            script->configs << config;
             script->names << name;
             script->timeouts << timeout;
             return std::make_unique<ScriptedEngine>(script, config);
         };
     }
 
-    struct Outcome
+    QCoro::Task<TranslationResult> request(const QString &text, int provider, bool wantsDeltas = false)
     {
-        bool isThere = false;
-        std::optional<TranslationResult> result;
-        std::optional<TranslationError> error;
-        QStringList deltas;
-    };
-    static QCoro::Task<> collect(QCoro::Task<TranslationResult> task, std::shared_ptr<Outcome> outcome)
-    {
-        try {
-            outcome->result = co_await task;
-        } catch (const TranslationError &error) {
-            outcome->error = error;
-        }
-        EXPECT_EQ(QThread::currentThread(), qApp->thread());
-        outcome->isThere = true;
-    }
-    std::shared_ptr<Outcome> translate(const QString &text, int provider, bool wantsDeltas = false)
-    {
-        const auto outcome = std::make_shared<Outcome>();
+        deltas.clear();
         Translator::DeltaHandler onDelta;
         if (wantsDeltas) {
-            onDelta = [outcome](const QString &delta) {
+            onDelta = [this](const QString &delta) {
                 EXPECT_EQ(QThread::currentThread(), qApp->thread());
-                outcome->deltas << delta;
+                deltas << delta;
             };
         }
-        collect(translator.translate(text, es, automatic, settings.providers->at(provider).id, onDelta),
-                outcome);
-        EXPECT_TRUE(waitUntil([&] { return outcome->isThere; }));
-        return outcome;
+        return translator.translate(text, es, automatic, settings.providers->at(provider).id, onDelta);
+    }
+    TranslationResult translate(const QString &text, int provider, bool wantsDeltas = false)
+    {
+        return await(request(text, provider, wantsDeltas));
+    }
+    std::optional<TranslationError> failure(const QString &text, int provider)
+    {
+        return errorOf<TranslationError>(request(text, provider));
     }
 
+    QStringList deltas;
     TestPlatform platform;
     Settings &settings = Settings::shared();
     Translator &translator = Translator::shared();
@@ -134,13 +121,11 @@ protected:
 
 TEST_F(TranslatorTest, ChoosesTheEngine)
 {
-    EXPECT_EQ(translate(QStringLiteral("one"), 2)->result->providerName,
-              settings.providers->at(2).displayName());
+    EXPECT_EQ(translate(QStringLiteral("one"), 2).providerName, settings.providers->at(2).displayName());
     // An unknown engine is the current one.
-    const auto outcome = std::make_shared<Outcome>();
-    collect(translator.translate(QStringLiteral("two"), en, es, QUuid::createUuid(), {}), outcome);
-    ASSERT_TRUE(waitUntil([&] { return outcome->isThere; }));
-    EXPECT_EQ(outcome->result->providerName, QStringLiteral("Google"));
+    EXPECT_EQ(
+        await(translator.translate(QStringLiteral("two"), en, es, QUuid::createUuid(), {})).providerName,
+        QStringLiteral("Google"));
     EXPECT_EQ(script->calls,
               (QStringList{QStringLiteral("translate one es auto"), QStringLiteral("translate two en es")}));
     EXPECT_FALSE(script->wasOnMainThread);
@@ -165,10 +150,9 @@ TEST_F(TranslatorTest, EnginesGetAUsableTimeout)
 TEST_F(TranslatorTest, AnswersRepeatedRequestsFromTheCache)
 {
     const auto first = translate(QStringLiteral("one"), 0, true);
-    EXPECT_TRUE(first->deltas.isEmpty());
-    const auto again = translate(QStringLiteral("one"), 0, true);
-    EXPECT_EQ(again->result, first->result);
-    EXPECT_EQ(again->deltas, QStringList(QStringLiteral("ONE")));
+    EXPECT_TRUE(deltas.isEmpty());
+    EXPECT_EQ(translate(QStringLiteral("one"), 0, true), first);
+    EXPECT_EQ(deltas, QStringList(QStringLiteral("ONE")));
     EXPECT_EQ(script->calls.size(), 1);
     // Another engine, another text (also by white space only) are other requests.
     translate(QStringLiteral("one"), 2);
@@ -190,9 +174,9 @@ TEST_F(TranslatorTest, AnswersRepeatedRequestsFromTheCache)
 TEST_F(TranslatorTest, StreamsInOrderOnTheMainThread)
 {
     script->streams = true;
-    const auto outcome = translate(QStringLiteral("abcd"), 1, true);
-    EXPECT_EQ(outcome->deltas, (QStringList{QStringLiteral("A"), QStringLiteral("AB"), QStringLiteral("ABC"),
-                                            QStringLiteral("ABCD")}));
+    translate(QStringLiteral("abcd"), 1, true);
+    EXPECT_EQ(deltas, (QStringList{QStringLiteral("A"), QStringLiteral("AB"), QStringLiteral("ABC"),
+                                   QStringLiteral("ABCD")}));
     translate(QStringLiteral("efgh"), 1);
     EXPECT_EQ(script->calls,
               (QStringList{QStringLiteral("stream abcd es auto"), QStringLiteral("translate efgh es auto")}));
@@ -207,19 +191,18 @@ TEST_F(TranslatorTest, FallsBackToGoogleAndSaysSo)
             text.toUpper(), QStringLiteral("fr"), std::nullopt, QStringLiteral("Google"), {}};
     };
     script->streams = true;
-    const auto outcome = translate(QStringLiteral("one"), 1, true);
     const TranslationResult expected{
         QStringLiteral("ONE"), QStringLiteral("fr"), std::nullopt, QStringLiteral("Google"),
         QStringLiteral("OpenAI request failed, fell back to Google: 100%@ broken")};
-    EXPECT_EQ(outcome->result, expected);
-    EXPECT_EQ(outcome->deltas, QStringList(QStringLiteral("ONE")));
+    EXPECT_EQ(translate(QStringLiteral("one"), 1, true), expected);
+    EXPECT_EQ(deltas, QStringList(QStringLiteral("ONE")));
     EXPECT_EQ(script->names, (QStringList{QStringLiteral("model"), QStringLiteral("Google")}));
-    EXPECT_EQ(translate(QStringLiteral("one"), 1)->result, expected);
+    EXPECT_EQ(translate(QStringLiteral("one"), 1), expected);
     EXPECT_EQ(script->calls.size(), 2);
 
     // Without the permission the engine's own error is the answer, and nothing is cached.
     for (int i = 0; i < 2; ++i)
-        EXPECT_EQ(translate(QStringLiteral("two"), 2)->error,
+        EXPECT_EQ(failure(QStringLiteral("two"), 2),
                   TranslationError::network(QStringLiteral("100%@ broken")));
     EXPECT_EQ(script->calls.size(), 4);
 
@@ -227,78 +210,13 @@ TEST_F(TranslatorTest, FallsBackToGoogleAndSaysSo)
     script->answer = [](const ProviderConfig &config, const QString &) -> TranslationResult {
         throw TranslationError::network(config.displayName());
     };
-    EXPECT_EQ(translate(QStringLiteral("three"), 1)->error,
-              TranslationError::network(QStringLiteral("Google")));
+    EXPECT_EQ(failure(QStringLiteral("three"), 1), TranslationError::network(QStringLiteral("Google")));
     auto configs = settings.providers.get();
     configs[0].fallbackToGoogle = true;
     settings.providers = configs;
     const auto asked = script->calls.size();
-    EXPECT_TRUE(translate(QStringLiteral("four"), 0)->error);
+    EXPECT_TRUE(failure(QStringLiteral("four"), 0));
     EXPECT_EQ(script->calls.size(), asked + 1);
-}
-
-TEST_F(TranslatorTest, TestsAnUnsavedConfigurationAsItIs)
-{
-    ProviderConfig unsaved;
-    unsaved.id = QUuid::createUuid();
-    unsaved.kind = ProviderKind::openAI;
-    unsaved.apiKey = QStringLiteral("typed");
-    unsaved.fallbackToGoogle = true;
-    script->streams = true;
-    for (int i = 0; i < 2; ++i) {
-        const auto outcome = std::make_shared<Outcome>();
-        collect(translator.testConnection(unsaved), outcome);
-        ASSERT_TRUE(waitUntil([&] { return outcome->isThere; }));
-        EXPECT_EQ(outcome->result->translatedText, QStringLiteral("HELLO, WORLD."));
-    }
-    EXPECT_EQ(script->calls, QStringList(2, QStringLiteral("translate Hello, world. es auto")));
-    EXPECT_EQ(script->configs.first(), unsaved);
-    script->answer = [](const ProviderConfig &, const QString &) -> TranslationResult {
-        throw TranslationError::parse();
-    };
-    const auto outcome = std::make_shared<Outcome>();
-    collect(translator.testConnection(unsaved), outcome);
-    ASSERT_TRUE(waitUntil([&] { return outcome->isThere; }));
-    EXPECT_EQ(outcome->error, TranslationError::parse());
-}
-
-TEST_F(TranslatorTest, ErrorsSpeakTheInterfaceLanguageOfTheMoment)
-{
-    const TranslationError fixed = TranslationError::network(QStringLiteral("Request timed out"));
-    EXPECT_EQ(TranslationError::parse().localizedDescription(),
-              QStringLiteral("Failed to parse the response"));
-    const QString empty = TranslationError::empty().localizedDescription();
-    Localization::shared().language = AppLanguage::fr;
-    EXPECT_NE(TranslationError::empty().localizedDescription(), empty);
-    EXPECT_EQ(fixed.localizedDescription(), QStringLiteral("Request timed out"));
-}
-
-TEST_F(TranslatorTest, AnEngineThatCannotStreamDeliversOnce)
-{
-    struct Plain final : TranslationProvider
-    {
-        QString name() const override { return {}; }
-        bool supportsStreaming() const override { return false; }
-        QCoro::Task<TranslationResult> translate(QString text, QString, QString) override
-        {
-            if (text.isEmpty())
-                throw TranslationError::empty();
-            co_return TranslationResult{text, {}, {}, {}, {}};
-        }
-    };
-    Plain engine;
-    QStringList deltas;
-    const TranslationProvider::DeltaHandler onDelta = [&](QString text) -> QCoro::Task<> {
-        deltas << text;
-        co_return;
-    };
-    const auto good = std::make_shared<Outcome>();
-    collect(engine.translateStream(QStringLiteral("text"), es, en, onDelta), good);
-    const auto bad = std::make_shared<Outcome>();
-    collect(engine.translateStream(QString(), es, en, onDelta), bad);
-    EXPECT_EQ(good->result->translatedText, QStringLiteral("text"));
-    EXPECT_EQ(bad->error, TranslationError::empty());
-    EXPECT_EQ(deltas, QStringList(QStringLiteral("text")));
 }
 
 } // namespace

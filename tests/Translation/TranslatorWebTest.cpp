@@ -114,20 +114,6 @@ TEST_F(TranslatorWebTest, ADictionaryThatFailsIsSilent)
     }
 }
 
-TEST_F(TranslatorWebTest, AFailedEngineFallsBackWithANote)
-{
-    onChat = [](Reply &reply) { reply.answer(401, R"({"error":{"message":"No key"}})"); };
-    const TranslationResult result = await(translate(QStringLiteral("two words or more")));
-    EXPECT_EQ(result, (TranslationResult{
-                          QStringLiteral("web"), QStringLiteral("en"), std::nullopt, QStringLiteral("Google"),
-                          QStringLiteral("OpenAI request failed, fell back to Google: API key is invalid or "
-                                         "lacks permission \u00b7 No key")}));
-    EXPECT_EQ(deltas, QStringList(QStringLiteral("web")));
-    const auto requests = server.requests().size();
-    EXPECT_EQ(await(translate(QStringLiteral("two words or more"))), result);
-    EXPECT_EQ(server.requests().size(), requests);
-}
-
 TEST_F(TranslatorWebTest, AFailureDoesNotWaitForTheDictionary)
 {
     std::atomic<bool> isCancelled = false;

@@ -75,21 +75,6 @@ QImage drawn(const IconImage &icon, int side = 48, const QColor &color = Qt::bla
     return icon.pixmap(QSizeF(side, side), color, 1).toImage();
 }
 
-TEST(ProviderLogo, NamesItsLogos)
-{
-    EXPECT_EQ(ProviderLogo::displayNames().size(), 28);
-    EXPECT_EQ(ProviderLogo::displayName(s("huggingface")), s("Hugging Face"));
-    EXPECT_EQ(ProviderLogo::displayName(s("my own MODEL-x")), s("My Own Model-X"));
-    EXPECT_EQ(ProviderLogo::displayName(QString()), QString());
-}
-
-TEST(Icons, AnUnknownNameHasNone)
-{
-    for (const char *name : {"", "nonsense", "logo:", "logo:nonsense", "logo:../lucide", "Lucide",
-                             "LucideNonsense", "lucidePin", "xmark "})
-        EXPECT_TRUE(ProviderIcon::image(s(name)).isNull()) << name;
-}
-
 /// With the icon packages built in.
 class BuiltInIcons : public testing::Test
 {
@@ -108,31 +93,12 @@ TEST_F(BuiltInIcons, EveryLogoAndSymbolDrawsAShape)
                       s("LucideGrid2x2")};
     for (const auto &row : ProviderLogo::displayNames())
         names << s("logo:") + row.logo;
-    for (const char *symbol : {"character.book.closed",
-                               "character.bubble",
-                               "checkmark",
-                               "checkmark.circle.fill",
-                               "chevron.down",
-                               "chevron.up.chevron.down",
-                               "cloud",
-                               "exclamationmark.triangle.fill",
-                               "gearshape",
-                               "info.circle",
-                               "keyboard",
-                               "lock.shield",
-                               "minus",
-                               "pin",
-                               "pin.fill",
-                               "plus",
-                               "plus.square.on.square",
-                               "questionmark.circle.fill",
-                               "speaker.wave.2",
-                               "speaker.wave.2.fill",
-                               "square.on.square",
-                               "xmark",
-                               "xmark.circle.fill",
-                               "xmark.octagon.fill"})
-        names << s(symbol);
+    names << s("character.book.closed character.bubble checkmark checkmark.circle.fill chevron.down "
+               "chevron.up.chevron.down cloud exclamationmark.triangle.fill gearshape info.circle keyboard "
+               "lock.shield minus pin pin.fill plus plus.square.on.square questionmark.circle.fill "
+               "speaker.wave.2 speaker.wave.2.fill square.on.square xmark xmark.circle.fill "
+               "xmark.octagon.fill")
+                 .split(u' ');
     for (const QString &name : names) {
         const IconImage icon = ProviderIcon::image(name);
         EXPECT_EQ(icon.size(), QSizeF(16, 16)) << name.toStdString();
@@ -158,18 +124,6 @@ TEST_F(BuiltInIcons, AMissingLucideIconGivesWayToTheSymbolAtItsSize)
 {
     EXPECT_EQ(Lucide::image(s("LucideNonsense"), s("pin.fill"), 16), SystemSymbol::image(s("pin.fill"), 16));
     EXPECT_EQ(Lucide::image(s("LucidePin"), s("xmark"), 16), Lucide::image(s("LucidePin")).sized({16, 16}));
-}
-
-TEST_F(BuiltInIcons, TakeTheColourOfTheirContext)
-{
-    const QImage image = drawn(ProviderIcon::image(s("logo:google")), 32, QColor(10, 200, 30));
-    for (int y = 0; y < 32; ++y) {
-        for (int x = 0; x < 32; ++x) {
-            if (qAlpha(image.pixel(x, y)) == 255) {
-                ASSERT_EQ(image.pixel(x, y), qRgb(10, 200, 30));
-            }
-        }
-    }
 }
 
 TEST_F(BuiltInIcons, FallOnWholePixelsAtAFractionalScale)
@@ -202,7 +156,6 @@ protected:
         return {s(title), isSelected, ProviderIcon::image(s("cloud")),
                 [this, title] { chosen.emplace_back(title); }};
     }
-    double titleWidth() const { return QFontMetricsF(button->font()).horizontalAdvance(button->title()); }
 
     TestPlatform platform;
     QWidget window;
@@ -210,54 +163,20 @@ protected:
     std::vector<std::string> chosen;
 };
 
-TEST_F(PopupMenuButtonTest, IsAsWideAsItsContent)
-{
-    button->setTitle(s("Fish & Chips"));
-    const int known = button->sizeHint().width();
-    EXPECT_EQ(known, std::ceil(titleWidth() + 4 + 8) + 6);
-    button->setChevron(s("no.such.symbol"));
-    EXPECT_EQ(button->sizeHint(), QSize(known, 18));
-    if (const IconImage icon = ProviderIcon::image(s("cloud"))) {
-        button->setIconImage(icon);
-        EXPECT_EQ(button->sizeHint().width(), known + 18);
-    }
-}
-
-TEST_F(PopupMenuButtonTest, ALongTitleMayBeCutShort)
-{
-    button->setTitle(QString(5000, QLatin1Char('W')));
-    EXPECT_LT(button->minimumSizeHint().width(), 60);
-    button->resize(80, 18);
-    button->grab();
-    button->setItems({PopupMenuItem{button->title(), false, {}, {}}});
-    button->showMenu();
-    EXPECT_LT(button->menu()->sizeHint().width(), 500);
-    button->menu()->grab();
-}
-
 TEST_F(PopupMenuButtonTest, ShowsItsItemsInOrderWithTheirTitlesAsTheyStand)
 {
-    button->showMenu();
+    button->setGeometry(40, 30, 100, 18);
+    clickOn(*button);
     ASSERT_TRUE(button->menu());
+    EXPECT_EQ(button->menu()->pos(), button->mapToGlobal(QPoint(0, 18))) << "below the button";
     std::vector<QString> titles;
     std::vector<bool> marks;
     for (const QAction *action : button->menu()->actions()) {
         titles.push_back(action->text());
         marks.push_back(action->isChecked());
-        EXPECT_TRUE(action->shortcut().isEmpty());
     }
     EXPECT_THAT(titles, ElementsAre(s("First"), s("Fish && Chips"), s("Third")));
     EXPECT_THAT(marks, ElementsAre(false, true, false));
-    EXPECT_FALSE(button->menu()->grab().isNull());
-}
-
-TEST_F(PopupMenuButtonTest, OpensBelowItselfByAPress)
-{
-    button->setGeometry(40, 30, 100, 18);
-    clickOn(*button);
-    ASSERT_TRUE(button->menu());
-    EXPECT_EQ(button->menu()->pos(), button->mapToGlobal(QPoint(0, 18)));
-    EXPECT_TRUE(chosen.empty());
 }
 
 TEST_F(PopupMenuButtonTest, WorksByKeyboard)
@@ -329,16 +248,8 @@ TEST(MenuPresenter, ALongMenuStaysOnTheScreen)
     }
 }
 
-TEST_F(PopupMenuButtonTest, ItemsThatAreNotThereOrNoLongerAreNotCalled)
+TEST_F(PopupMenuButtonTest, ItemsThatWentWhileTheMenuWasOpenAreNotCalled)
 {
-    button->setItems({});
-    clickOn(*button);
-    ASSERT_TRUE(button->menu());
-    pressKey(*button->menu(), Qt::Key_Return);
-    EXPECT_TRUE(chosen.empty());
-
-    button->menu()->close();
-    button->setItems({item("One"), item("Two"), item("Three")});
     button->showMenu();
     QAction *third = button->menu()->actions().at(2);
     button->setItems({item("Only")});
@@ -420,21 +331,6 @@ TEST(IconButton, WorksByPointerAndKeyboardAndLeavesTheFocusToTexts)
     ASSERT_TRUE(accessible);
     EXPECT_EQ(accessible->role(), QAccessible::Button);
     EXPECT_EQ(accessible->text(QAccessible::Name), s("Copy"));
-}
-
-TEST(IconButton, ShowsARingForTheKeyboardOnly)
-{
-    QWidget window;
-    IconButton button(&window);
-    window.show();
-    window.activateWindow();
-    QApplication::setActiveWindow(&window);
-    const QImage plain = button.grab().toImage();
-    button.setFocus(Qt::MouseFocusReason);
-    EXPECT_EQ(button.grab().toImage(), plain);
-    button.clearFocus();
-    button.setFocus(Qt::TabFocusReason);
-    EXPECT_NE(button.grab().toImage(), plain);
 }
 
 } // namespace

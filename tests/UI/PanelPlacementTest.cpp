@@ -9,17 +9,6 @@ namespace {
 const Screen primary{QRectF(0, 0, 1440, 900), QRectF(0, 40, 1440, 830), 1.0, 1};
 const Screen above{QRectF(200, 900, 1000, 600), QRectF(200, 900, 1000, 600), 1.0, 2};
 
-TEST(PanelPlacement, SizesStayInTheirLimitsForAnyStoredNumber)
-{
-    EXPECT_EQ(panelWidth(200), 300);
-    EXPECT_EQ(panelWidth(1e308), 640);
-    EXPECT_EQ(panelWidth(-1), 300);
-    EXPECT_EQ(panelHeight(10, primary), 280);
-    EXPECT_EQ(panelHeight(1e308, primary), 480);
-    EXPECT_EQ(panelHeight(1000, Screen{{}, QRectF(0, 0, 800, 300)}), 210);
-    EXPECT_EQ(panelHeight(1000, std::nullopt), 480);
-}
-
 TEST(PanelPlacement, GoesBelowTheAnchorOrAboveItInsideTheVisibleFrame)
 {
     struct Case

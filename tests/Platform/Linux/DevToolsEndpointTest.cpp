@@ -54,30 +54,8 @@ struct DevToolsEndpointTest : testing::Test
         setTime(file, portTime);
         setTime(QFile::encodeName(lock), 1000);
     }
-    auto find(const char *browser = "org.chromium.Chromium") const
-    {
-        return DevToolsEndpoint::find(QString::fromLatin1(browser), pid, places);
-    }
+    auto find() const { return DevToolsEndpoint::find(QStringLiteral("org.chromium.Chromium"), pid, places); }
 };
-
-TEST_F(DevToolsEndpointTest, LooksInTheProfilesOfEachBrowser)
-{
-    setCommandLine("/usr/lib/browser|--remote-debugging-port=0|");
-    const struct
-    {
-        const char *browser, *folder;
-    } cases[] = {
-        {"org.chromium.Chromium", "home/.config/chromium"},
-        {"com.microsoft.edgemac", "home/.var/app/com.microsoft.Edge/config/microsoft-edge"},
-        {"com.brave.Browser", "home/snap/brave/current/.config/BraveSoftware/Brave-Browser"},
-    };
-    for (const auto &one : cases) {
-        EXPECT_FALSE(find(one.browser)) << one.folder;
-        makeProfile(QString::fromLatin1(one.folder));
-        EXPECT_EQ(find(one.browser), listening) << one.folder;
-        EXPECT_FALSE(find("firefox-esr"));
-    }
-}
 
 TEST_F(DevToolsEndpointTest, ReadsTheCommandLine)
 {

@@ -3,12 +3,19 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
 #include <QProcess>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "Platform/DispatchQueue.h"
+#include "Platform/Linux/AtspiElement.h"
+#include "Support/TestClock.h"
 
 namespace tovi {
 
@@ -59,6 +66,34 @@ private:
     QString m_connectionName;
     QString m_name;
     std::map<std::pair<QString, QString>, Answer> m_answers;
+};
+
+/// Requests of this process, whose window is in front, to the scripted application.
+class AtspiTest : public testing::Test
+{
+protected:
+    struct OwnWindow final : ActiveWindowSource
+    {
+        std::optional<ActiveWindow> activeWindow() override { return ActiveWindow{::getpid(), {}, 1}; }
+    };
+
+    void SetUp() override
+    {
+        ASSERT_TRUE(peer.start());
+        context->client = std::make_shared<AtspiClient>([this] { return peer.address(); });
+        context->activeWindow = std::make_shared<OwnWindow>();
+    }
+    template <class Fn>
+    auto onQueue(Fn work)
+    {
+        auto future = queue.run(std::move(work));
+        EXPECT_TRUE(waitUntil([&] { return future.isFinished(); }));
+        return future.result();
+    }
+
+    FakeAtspiPeer peer;
+    std::shared_ptr<AtspiContext> context = std::make_shared<AtspiContext>();
+    DispatchQueue queue{QStringLiteral("requests")};
 };
 
 } // namespace tovi

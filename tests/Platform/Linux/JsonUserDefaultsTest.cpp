@@ -80,22 +80,6 @@ TEST_F(JsonUserDefaultsTest, WhatDoesNotParseIsKeptAndNeverOverwritten)
         EXPECT_EQ(bytes(QStringLiteral(".broken-%1").arg(i + 1)), broken[i]);
 }
 
-TEST_F(JsonUserDefaultsTest, WhatIsNoFileStepsAside)
-{
-    for (const bool isPipe : {false, true}) {
-        QFile::remove(path);
-        QDir().mkpath(QFileInfo(path).path());
-        if (isPipe)
-            ASSERT_EQ(mkfifo(path.toUtf8().constData(), 0600), 0);
-        else
-            QDir().mkdir(path);
-        JsonUserDefaults defaults(path, log);
-        defaults.set(key, isPipe);
-        EXPECT_TRUE(defaults.flush());
-        EXPECT_EQ(onDisk(), (QJsonObject{{key, isPipe}}));
-    }
-}
-
 TEST_F(JsonUserDefaultsTest, NumbersBeyondDoublesCostNothingElse)
 {
     put(R"({"a": 1e400, "b": -1e999, "c": [1E+400], "text": "1e400", "key": 1e300})");
@@ -169,20 +153,6 @@ TEST_F(JsonUserDefaultsTest, AFullDiskKeepsTheOldFileAndTheNewValues)
     defaults.set(QStringLiteral("other"), 3);
     EXPECT_TRUE(defaults.flush());
     EXPECT_EQ(onDisk().size(), 3);
-}
-
-TEST_F(JsonUserDefaultsTest, AFolderThatCannotBeMadeIsTriedAgain)
-{
-    const QString blocker = QFileInfo(path).path();
-    QFile file(blocker);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    JsonUserDefaults defaults(path, log);
-    defaults.set(key, 1);
-    EXPECT_FALSE(defaults.flush());
-    EXPECT_EQ(defaults.number(key), 1);
-    ASSERT_TRUE(file.remove());
-    EXPECT_TRUE(defaults.flush());
-    EXPECT_EQ(onDisk()[key].toInt(), 1);
 }
 
 } // namespace

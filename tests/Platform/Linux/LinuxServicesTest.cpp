@@ -6,13 +6,10 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
-#include <QFontMetricsF>
-#include <QPalette>
 #include <QSet>
 #include <QTemporaryDir>
 
 #include "Platform/Keyboard.h"
-#include "Platform/Linux/BrowserIdentifiers.h"
 #include "Platform/Linux/DesktopEntries.h"
 #include "Platform/Linux/LinuxApplication.h"
 #include "Platform/Linux/LinuxClock.h"
@@ -118,15 +115,6 @@ TEST_F(Entries, MatchByTheMostSpecificName)
     EXPECT_TRUE(waitUntil([&] { return !entries.byId(QStringLiteral("late")).has_value(); }));
 }
 
-TEST(BrowserIdentifiers, KnowTheBrowsersOfTheListsByEntryOrClass)
-{
-    EXPECT_EQ(browserIdentifier(QStringLiteral("Google-chrome")), QStringLiteral("com.google.Chrome"));
-    EXPECT_EQ(browserIdentifier(QStringLiteral("chromium")), QStringLiteral("org.chromium.Chromium"));
-    EXPECT_EQ(browserIdentifier(QStringLiteral("com.microsoft.Edge")),
-              QStringLiteral("com.microsoft.edgemac"));
-    EXPECT_EQ(browserIdentifier(QStringLiteral("firefox-esr")), QString());
-}
-
 TEST(TerminalEmulators, CopyWithTheirOwnKeyOrNone)
 {
     constexpr quint32 command = ModifierFlag::command;
@@ -202,17 +190,6 @@ TEST(LinuxApplication, PreferredLanguagesComeFromTheEnvironment)
     EXPECT_EQ(DesktopEntries::messageLanguages().first(3), list("de_AT de fr"));
     for (int i = 0; i < 4; ++i)
         qputenv(names[i], kept[i]);
-}
-
-TEST(LinuxApplication, AppearanceIsAPalette)
-{
-    const auto isDark = [] { return QApplication::palette().window().color().lightness() < 128; };
-    HeadlessApplication application;
-    application.setAppearance(Application::Appearance::Dark);
-    EXPECT_TRUE(isDark());
-    EXPECT_GT(QApplication::palette().windowText().color().lightness(), 128);
-    application.setAppearance(Application::Appearance::Light);
-    EXPECT_FALSE(isDark());
 }
 
 TEST(LinuxClock, TimersRunOnceAndEndWithTheirSubscription)

@@ -152,41 +152,6 @@ TEST_F(URLLoadingTest, FailuresHaveTheirCodes)
     EXPECT_EQ(failure({.url = QUrl(server.origin() + u'/' + QString(9'000'000, u'a'))}), Code::badURL);
 }
 
-TEST_F(URLLoadingTest, BodiesArriveInEveryFraming)
-{
-    // "compressed text", by gzip.
-    const QByteArray packed =
-        QByteArray::fromHex("1f8b08000000000002034bcecf2d284a2d2e4e4d512849ad280100c218d8d80f000000");
-    ScriptedServer server([&](const Request &request, Reply &reply) {
-        if (request.target == "/length") {
-            reply.answer(200, "by length");
-        } else if (request.target == "/chunks") {
-            reply.beginStream();
-            for (const char piece : QByteArray("by chunks"))
-                reply.chunk(QByteArray(1, piece));
-            reply.endStream();
-        } else if (request.target == "/gzip") {
-            EXPECT_TRUE(request.header("Accept-Encoding").contains("gzip"));
-            reply.answer(200, packed, {"Content-Encoding: gzip"});
-        } else if (request.target == "/end") {
-            reply.send("HTTP/1.1 200 OK\r\nConnection: close\r\n\r\nto the end");
-            reply.close();
-        } else {
-            reply.answer(404, "");
-        }
-    });
-    const std::pair<const char *, Answer> rows[] = {{"/length", {200, "by length"}},
-                                                    {"/chunks", {200, "by chunks"}},
-                                                    {"/gzip", {200, "compressed text"}},
-                                                    {"/end", {200, "to the end"}},
-                                                    {"/none", {404, ""}}};
-    for (const auto &[path, expected] : rows) {
-        const Answer answer = await(fetch(server.origin() + QLatin1String(path)));
-        EXPECT_EQ(answer.status, expected.status) << path;
-        EXPECT_EQ(answer.body, expected.body) << path;
-    }
-}
-
 TEST_F(URLLoadingTest, ARedirectToAnotherHostCarriesNoKey)
 {
     ScriptedServer other([](const Request &, Reply &reply) { reply.answer(200, "other"); });

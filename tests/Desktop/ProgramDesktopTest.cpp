@@ -5,6 +5,7 @@
 #include <X11/keysym.h>
 #include <gtest/gtest.h>
 
+#include "Capture/CaptureResult.h"
 #include "Desktop/ProgramFixture.h"
 
 namespace tovi {
@@ -116,7 +117,24 @@ TEST_F(ProgramWithoutAccessibility, StillAnswersTheShortcut)
     ASSERT_TRUE(captured);
     EXPECT_EQ(captured->numbers.value("source"), -1);
     EXPECT_TRUE(trace.next("panelPainted"));
-    EXPECT_EQ(tovi->state(), QProcess::Running);
+    desktop.pressKey(XK_Escape);
+
+    // Nobody can be asked, but the primary selection is there.
+    ASSERT_TRUE(desktop.start(QStringLiteral("xterm"),
+                              {QStringLiteral("-title"), QStringLiteral("banks"), QStringLiteral("-geometry"),
+                               QStringLiteral("60x10+200+500"), QStringLiteral("-e"),
+                               QStringLiteral("echo The river; sleep 600")}));
+    const auto terminal = desktop.waitForWindow(QStringLiteral("banks"));
+    ASSERT_TRUE(terminal);
+    const QPoint word = desktop.geometry(terminal).topLeft() + QPoint(20, 10);
+    EXPECT_TRUE(DesktopSession::eventually([&] {
+        desktop.click(word, 2);
+        trace.clear();
+        desktop.pressKey(XK_d, {XK_Alt_L});
+        const auto read = trace.next("captured");
+        desktop.pressKey(XK_Escape);
+        return read && read->numbers.value("source") == int(CaptureSource::accessibility);
+    }));
 }
 
 } // namespace

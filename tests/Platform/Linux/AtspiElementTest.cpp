@@ -170,7 +170,7 @@ TEST_F(AtspiElementTest, RecoversWhenTheBusWasRestarted)
 {
     EXPECT_EQ(capture().text, QStringLiteral("Hello"));
     peer.stopBus();
-    EXPECT_NE(errorOfFocus(std::chrono::seconds(20)), AXError::None);
+    EXPECT_EQ(capture().text, QStringLiteral("primary")) << "which needs no bus";
     ASSERT_TRUE(peer.start());
     EXPECT_EQ(capture().text, QStringLiteral("Hello"));
 }

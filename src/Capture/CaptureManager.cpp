@@ -55,6 +55,7 @@ QCoro::Task<std::optional<CaptureResult>> CaptureManager::capture(bool preferOCR
                                                                   std::stop_token stop)
 {
     const Clock::Time start = Platform::current().clock().now();
+    // Named first, here and below: see the notes on coroutines.
     auto capture = captureInternal(preferOCR, at, std::move(onOCRProgress), stop);
     auto result = co_await capture;
     if (result)

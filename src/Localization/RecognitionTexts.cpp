@@ -28,10 +28,12 @@ QString RecognitionTexts::notInstalled(AppLanguage language)
     case AppLanguage::ru:
         return QStringLiteral(
             "Распознавание текста не установлено.\nУстановите Tesseract и данные нужных языков.");
-    default:
-        return QStringLiteral(
-            "Text recognition is not installed.\nInstall Tesseract and the data of your languages.");
+    case AppLanguage::system:
+    case AppLanguage::en:
+        break;
     }
+    return QStringLiteral(
+        "Text recognition is not installed.\nInstall Tesseract and the data of your languages.");
 }
 
 } // namespace tovi

@@ -4,10 +4,18 @@
 #include <algorithm>
 #include <utility>
 
+#include "Platform/Clock.h"
 #include "Platform/Platform.h"
 #include "UI/ResultPanelController.h"
 
 namespace tovi {
+
+namespace {
+
+// Longer than a capture takes that shows a panel at all.
+constexpr auto preparedTime = std::chrono::seconds(10);
+
+} // namespace
 
 ResultPanelManager &ResultPanelManager::shared()
 {
@@ -16,6 +24,7 @@ ResultPanelManager &ResultPanelManager::shared()
 
 void ResultPanelManager::prepare()
 {
+    m_preparedEnd = Platform::current().clock().after(preparedTime, [this] { m_prepared.reset(); });
     if (m_prepared)
         return;
     m_prepared = std::make_shared<ResultPanelController>();
@@ -27,6 +36,7 @@ void ResultPanelManager::show(const std::shared_ptr<ResultViewModel> &model, std
     closeUnpinned();
     prepare();
     const auto controller = std::exchange(m_prepared, nullptr);
+    m_preparedEnd.reset();
     controller->onClosed = [this, weak = std::weak_ptr(controller)] {
         if (const auto closed = weak.lock())
             std::erase(m_panels, closed);

@@ -7,6 +7,8 @@
 
 #include <QRectF>
 
+#include "Platform/Subscription.h"
+
 namespace tovi {
 
 class ResultPanelController;
@@ -19,7 +21,7 @@ class ResultPanelManager
 public:
     static ResultPanelManager &shared();
 
-    /// Builds the window of the next panel, while there is nothing else to do.
+    /// Builds the window of the next panel, while there is nothing else to do. Kept for a while.
     void prepare();
     /// Shows a new panel, closing every unpinned one first. `near`: the selection, in points, origin
     /// bottom-left of the primary screen, y up; none places the panel by the pointer.
@@ -29,6 +31,7 @@ public:
 private:
     std::vector<std::shared_ptr<ResultPanelController>> m_panels;
     std::shared_ptr<ResultPanelController> m_prepared;
+    Subscription m_preparedEnd;
 };
 
 } // namespace tovi

@@ -208,5 +208,16 @@ TEST_F(ClipboardCapturerTest, TypesOnceTheModifiersAreUp)
     EXPECT_EQ(posted - start, 600ms);
 }
 
+TEST_F(ClipboardCapturerTest, AnOlderSimulationDoesNotEndANewerOne)
+{
+    capture();
+    platform.clock().advance(200ms);
+    capture();
+    platform.clock().advance(299ms); // the first one's end has passed
+    EXPECT_TRUE(ClipboardCapturer::isSimulating());
+    platform.clock().advance(1ms);
+    EXPECT_FALSE(ClipboardCapturer::isSimulating());
+}
+
 } // namespace
 } // namespace tovi

@@ -28,6 +28,16 @@ TEST(PanelPlacement, GoesBelowTheAnchorOrAboveItInsideTheVisibleFrame)
         EXPECT_EQ(originNear(c.anchor, size, primary.visibleFrame), c.origin) << c.anchor.x();
 }
 
+TEST(PanelPlacement, SizesStayInTheirLimits)
+{
+    EXPECT_EQ(panelWidth(-5), 300);
+    EXPECT_EQ(panelWidth(1e9), 640);
+    EXPECT_EQ(panelHeight(10, primary), 280);
+    EXPECT_EQ(panelHeight(1e9, std::nullopt), 480);
+    const Screen low{QRectF(0, 0, 800, 300), QRectF(0, 0, 800, 300), 1.0, 3};
+    EXPECT_EQ(panelHeight(10, low), 210) << "lower than any panel is elsewhere";
+}
+
 TEST(PanelPlacement, FindsTheScreenOfAPoint)
 {
     const QList<Screen> screens{primary, above};

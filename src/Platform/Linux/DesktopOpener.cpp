@@ -4,6 +4,7 @@
 #include <QProcess>
 #include <QUrl>
 
+#include "Platform/Linux/OwnEnvironment.h"
 #include "Platform/SystemPreferences.h"
 
 namespace tovi::DesktopOpener {
@@ -52,8 +53,13 @@ QStringList command(const QString &url, const QString &currentDesktop)
 void open(const QString &url)
 {
     const QStringList words = command(url, qEnvironmentVariable("XDG_CURRENT_DESKTOP"));
-    if (!words.isEmpty())
-        QProcess::startDetached(words.first(), words.mid(1));
+    if (words.isEmpty())
+        return;
+    QProcess program;
+    program.setProgram(words.first());
+    program.setArguments(words.mid(1));
+    program.setProcessEnvironment(OwnEnvironment::forOtherPrograms());
+    program.startDetached();
 }
 
 } // namespace tovi::DesktopOpener

@@ -12,6 +12,7 @@
 #include "Platform/Linux/JsonUserDefaults.h"
 #include "Platform/Linux/LinuxClock.h"
 #include "Platform/Linux/LinuxSecretStore.h"
+#include "Platform/Linux/OwnEnvironment.h"
 #include "Platform/Linux/SpeechDispatcherSynthesizer.h"
 #include "Platform/Linux/SyslogLog.h"
 #include "Platform/Linux/TesseractRecognizer.h"
@@ -110,14 +111,14 @@ bool X11Platform::canConnect()
 
 void X11Platform::prepareEnvironment()
 {
-    qputenv("QT_QPA_PLATFORM", "xcb");
+    OwnEnvironment::set("QT_QPA_PLATFORM", "xcb");
     // The toolkit looks only once, at its start, whether assistive programs are there; they may come later.
-    qputenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
+    OwnEnvironment::set("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
     // The toolkit has the strokes of PostScript outlines thickened, as most Chinese, Japanese and Korean
     // fonts have them: beside other text, and on dark grounds above all, they look bold. This is a third of
     // it.
     if (!qEnvironmentVariableIsSet("FREETYPE_PROPERTIES"))
-        qputenv("FREETYPE_PROPERTIES", "cff:darkening-parameters=500,120,1000,80,1667,80,2333,0");
+        OwnEnvironment::set("FREETYPE_PROPERTIES", "cff:darkening-parameters=500,120,1000,80,1667,80,2333,0");
 }
 
 X11Platform::X11Platform()

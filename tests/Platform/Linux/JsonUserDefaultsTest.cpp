@@ -80,6 +80,22 @@ TEST_F(JsonUserDefaultsTest, WhatDoesNotParseIsKeptAndNeverOverwritten)
         EXPECT_EQ(bytes(QStringLiteral(".broken-%1").arg(i + 1)), broken[i]);
 }
 
+TEST_F(JsonUserDefaultsTest, WhatIsNoFileStepsAside)
+{
+    // Opening a pipe would wait for a writer for ever.
+    for (const bool isPipe : {false, true}) {
+        QFile::remove(path);
+        QDir().mkpath(isPipe ? QFileInfo(path).path() : path);
+        if (isPipe) {
+            ASSERT_EQ(mkfifo(path.toUtf8().constData(), 0600), 0);
+        }
+        JsonUserDefaults defaults(path, log);
+        defaults.set(key, isPipe);
+        EXPECT_TRUE(defaults.flush());
+        EXPECT_EQ(onDisk(), (QJsonObject{{key, isPipe}}));
+    }
+}
+
 TEST_F(JsonUserDefaultsTest, NumbersBeyondDoublesCostNothingElse)
 {
     put(R"({"a": 1e400, "b": -1e999, "c": [1E+400], "text": "1e400", "key": 1e300})");

@@ -92,6 +92,23 @@ TEST_F(URLLoadingTest, ACutStreamOnAReusedConnectionIsAlwaysAnError)
     EXPECT_EQ(server.requests().size(), 400);
 }
 
+TEST_F(URLLoadingTest, BodiesArriveUnpackedAndToTheEnd)
+{
+    // "compressed text", by gzip.
+    const QByteArray packed =
+        QByteArray::fromHex("1f8b08000000000002034bcecf2d284a2d2e4e4d512849ad280100c218d8d80f000000");
+    ScriptedServer server([&](const Request &request, Reply &reply) {
+        if (request.target == "/gzip") {
+            reply.answer(200, packed, {"Content-Encoding: gzip"});
+            return;
+        }
+        reply.send("HTTP/1.1 200 OK\r\nConnection: close\r\n\r\nto the end");
+        reply.close();
+    });
+    EXPECT_EQ(await(fetch(server.origin() + QStringLiteral("/gzip"))).body, "compressed text");
+    EXPECT_EQ(await(fetch(server.origin() + QStringLiteral("/end"))).body, "to the end");
+}
+
 TEST_F(URLLoadingTest, FailuresHaveTheirCodes)
 {
     struct Row

@@ -33,7 +33,7 @@ struct ShareableContent
     };
 
     QList<quint32> displays;    ///< as Screen::displayNumber
-    QList<qint64> applications; ///< process identifiers
+    QList<qint64> applications; ///< process identifiers; this program's is always there
     QList<Window> windows;      ///< the lowest first
 };
 

@@ -59,7 +59,8 @@ public:
 
     ShareableContent content()
     {
-        ShareableContent content;
+        // We run, whether or not a window of ours is up: one may come before the picture is taken.
+        ShareableContent content{.applications = {QCoreApplication::applicationPid()}};
         const ScreenGeometry geometry = ScreenGeometry::current();
         for (const Screen &screen : geometry.screens())
             content.displays << screen.displayNumber;

@@ -76,13 +76,17 @@ TEST_F(ScreenCaptureTest, LeavesOurWindowsOutAndShowsWhatIsBelow)
                          XCB_CLIP_ORDERING_UNSORTED, high.id, 0, 0, 2, parts);
     high.show();
     low.show();
+    const qint64 own = QCoreApplication::applicationPid();
+    EXPECT_TRUE(await(capture.shareableContent()).applications.contains(own)) << "no window of ours is up";
     auto content = std::make_unique<QWidget>();
     auto panel = host.makePanel(std::move(content));
     panel->setFrame(QRectF(120 / scale, height - 380 / scale, 350 / scale, 250 / scale));
     panel->orderFrontRegardless();
     xcb_flush(QtXcb::connection());
-    const qint64 own = QCoreApplication::applicationPid();
-    ASSERT_TRUE(waitUntil([&] { return await(capture.shareableContent()).applications.contains(own); }));
+    ASSERT_TRUE(waitUntil([&] {
+        const ShareableContent shown = await(capture.shareableContent());
+        return std::ranges::count(shown.windows, own, &ShareableContent::Window::processIdentifier) > 0;
+    }));
     const ContentFilter withoutUs{.display = 1, .excludedApplication = own};
 
     const auto pixel = [&](const QImage &image, QPoint native) {

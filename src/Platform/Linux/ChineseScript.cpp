@@ -74,11 +74,6 @@ struct Place
     bool beginsRun = false; ///< others than ideographs stand before it
 };
 
-bool isIdeograph(QChar c)
-{
-    return c.unicode() >= 0x3400 && c.unicode() <= 0x9fff;
-}
-
 std::vector<Place> placesOf(const TesseractReading &reading)
 {
     std::vector<Place> places;
@@ -110,62 +105,75 @@ double pitchOf(const std::vector<Place> &places)
     return *middle;
 }
 
-QImage draw(QChar character, int size)
+} // namespace
+
+ChineseScript::Shape ChineseScript::draw(QChar character, int size)
 {
-    QImage image(size, size, QImage::Format_Grayscale8);
-    image.fill(Qt::white);
+    Shape shape{.image = QImage(size, size, QImage::Format_Grayscale8)};
+    shape.image.fill(Qt::white);
     QFont font;
     font.setPixelSize(size);
-    QPainter painter(&image);
+    QPainter painter(&shape.image);
     painter.setFont(font);
-    painter.drawText(image.rect(), Qt::AlignCenter | Qt::TextDontClip, QString(character));
-    return image;
-}
-
-/// How well a shape fits a part of the picture, 1 being its likeness.
-double correlation(const QImage &shape, const QImage &line, int left, int top)
-{
-    double sum = 0;
-    double sumOfLine = 0;
-    double squares = 0;
-    double squaresOfLine = 0;
-    double products = 0;
-    for (int y = 0; y < shape.height(); ++y) {
-        const uchar *row = shape.constScanLine(y);
-        const uchar *rowOfLine = line.constScanLine(top + y) + left;
-        for (int x = 0; x < shape.width(); ++x) {
-            const double a = row[x];
-            const double b = rowOfLine[x];
-            sum += a;
-            sumOfLine += b;
-            squares += a * a;
-            squaresOfLine += b * b;
-            products += a * b;
+    painter.drawText(shape.image.rect(), Qt::AlignCenter | Qt::TextDontClip, QString(character));
+    painter.end();
+    for (int y = 0; y < size; ++y) {
+        const uchar *row = shape.image.constScanLine(y);
+        for (int x = 0; x < size; ++x) {
+            shape.sum += row[x];
+            shape.squares += row[x] * row[x];
         }
     }
-    const double count = double(shape.width()) * shape.height();
-    const double spread = (squares - sum * sum / count) * (squaresOfLine - sumOfLine * sumOfLine / count);
-    return spread > 0 ? (products - sum * sumOfLine / count) / std::sqrt(spread) : 0;
+    return shape;
+}
+
+const ChineseScript::Shape &ChineseScript::shape(QChar character, int size)
+{
+    const std::scoped_lock lock(m_mutex);
+    const auto [found, isNew] = m_shapes.try_emplace({character.unicode(), size});
+    if (isNew)
+        found->second = draw(character, size);
+    return found->second;
+}
+
+/// How well a shape fits a part of the picture, 1 being its likeness. Its sums fit into int: it is small.
+double ChineseScript::correlation(const Shape &shape, const QImage &line, int left, int top)
+{
+    const int size = shape.image.width();
+    int sum = 0;
+    int squares = 0;
+    int products = 0;
+    for (int y = 0; y < size; ++y) {
+        const uchar *row = shape.image.constScanLine(y);
+        const uchar *rowOfLine = line.constScanLine(top + y) + left;
+        for (int x = 0; x < size; ++x) {
+            sum += rowOfLine[x];
+            squares += rowOfLine[x] * rowOfLine[x];
+            products += row[x] * rowOfLine[x];
+        }
+    }
+    const double count = double(size) * size;
+    const double spread =
+        (shape.squares - double(shape.sum) * shape.sum / count) * (squares - double(sum) * sum / count);
+    return spread > 0 ? (products - double(shape.sum) * sum / count) / std::sqrt(spread) : 0;
 }
 
 /// How well a character of about the size fits the surroundings of its place, as readings say that roughly.
-double likeness(QChar character, const QImage &line, int center, int typicalSize)
+double ChineseScript::likeness(QChar character, const QImage &line, int center, int typicalSize)
 {
     double best = 0;
     for (int size = typicalSize - 1; size <= typicalSize + 1; ++size) {
-        const QImage shape = draw(character, size);
+        const Shape &drawn = shape(character, size);
         const int last = std::min(line.width() - size, center);
         for (int left = std::max(0, center - size); left <= last; ++left) {
             for (int top = 0; top + size <= line.height(); ++top)
-                best = std::max(best, correlation(shape, line, left, top));
+                best = std::max(best, correlation(drawn, line, left, top));
         }
     }
     return best;
 }
 
-} // namespace
-
-double traditionalLook(const TesseractReading &reading, const QImage &line)
+double ChineseScript::traditionalLook(const TesseractReading &reading, const QImage &line)
 {
     const std::vector<Place> places = placesOf(reading);
     const int size = int(std::lround(pitchOf(places) / reduction));
@@ -177,14 +185,15 @@ double traditionalLook(const TesseractReading &reading, const QImage &line)
     qsizetype compared = 0;
     for (const Place &place : places) {
         const auto forms = formsOf(place.character);
-        if (!forms || compared == most)
+        if (!forms)
             continue;
-        ++compared;
         const int center = int(place.center) / reduction;
         const double simplified = likeness(forms->simplified, small, center, size);
         const double traditional = likeness(forms->traditional, small, center, size);
         if (std::max(simplified, traditional) > unlike)
             look += traditional - simplified;
+        if (++compared == most || std::abs(look) >= clearLook)
+            break;
     }
     return look;
 }

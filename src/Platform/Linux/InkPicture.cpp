@@ -138,10 +138,9 @@ private:
         const int height = part.box.height();
         const auto area = qsizetype(part.pixels.size());
         const bool isThick = part.inside * 3 >= area;
-        if (isThick && width >= wideGround && height >= highGround)
-            return true;
         // What little was asked for may be mostly ground.
-        if (isThick && area * 3 >= qsizetype(m_width) * m_height)
+        const bool isMost = area * 3 >= qsizetype(m_width) * m_height;
+        if (isThick && ((width >= wideGround && height >= highGround) || isMost))
             return true;
         if (width < narrowestBlock || height < lowestBlock)
             return false;

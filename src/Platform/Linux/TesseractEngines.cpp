@@ -3,6 +3,7 @@
 
 #include <malloc.h>
 
+#include <QDir>
 #include <QFile>
 
 namespace tovi {
@@ -74,6 +75,7 @@ TessBaseAPI *TesseractEngines::take(const QString &language)
     m_library.setVariable(api, "tessedit_do_invert", "0");
     m_library.setPageSegMode(api, tesseract::PSM_SINGLE_LINE);
     const std::scoped_lock lock(m_mutex);
+    m_dataPath = QFile::decodeName(m_library.dataPath(api));
     ++m_busy;
     return api;
 }
@@ -151,6 +153,13 @@ std::optional<TesseractReading> TesseractEngines::read(const QString &language, 
         &call);
     giveBack(language, api);
     return reading;
+}
+
+bool TesseractEngines::has(const QString &language) const
+{
+    const std::scoped_lock lock(m_mutex);
+    return !m_missing.contains(language) && !m_dataPath.isEmpty() &&
+           QDir(m_dataPath).exists(language + QLatin1String(".traineddata"));
 }
 
 void TesseractEngines::endIdle(Clock::Duration idle)

@@ -50,6 +50,9 @@ public:
     /// Reads the picture of one line, dark on light. None without data for the language.
     std::optional<TesseractReading> read(const QString &language, const QImage &line);
 
+    /// Whether a language can probably be read; known after the first reading in any language.
+    bool has(const QString &language) const;
+
     /// Ends those that have done nothing for so long, and looks for missing data anew.
     void endIdle(Clock::Duration idle);
     /// Of those, only the ones that have another of their language resting beside them.
@@ -76,6 +79,7 @@ private:
     std::vector<Engine> m_resting; // under m_mutex, like the following
     int m_busy = 0;
     QSet<QString> m_missing;
+    QString m_dataPath; ///< as the library found it
 };
 
 } // namespace tovi

@@ -15,6 +15,7 @@ std::optional<TesseractLibrary> loadTesseract()
         resolveFunction(library, tesseract.create, "TessBaseAPICreate") &&
         resolveFunction(library, tesseract.destroy, "TessBaseAPIDelete") &&
         resolveFunction(library, tesseract.init, "TessBaseAPIInit2") &&
+        resolveFunction(library, tesseract.dataPath, "TessBaseAPIGetDatapath") &&
         resolveFunction(library, tesseract.setVariable, "TessBaseAPISetVariable") &&
         resolveFunction(library, tesseract.setPageSegMode, "TessBaseAPISetPageSegMode") &&
         resolveFunction(library, tesseract.setImage, "TessBaseAPISetImage") &&

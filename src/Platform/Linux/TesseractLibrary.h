@@ -21,6 +21,7 @@ struct TesseractLibrary
     decltype(&TessBaseAPICreate) create = nullptr;
     decltype(&TessBaseAPIDelete) destroy = nullptr;
     decltype(&TessBaseAPIInit2) init = nullptr;
+    decltype(&TessBaseAPIGetDatapath) dataPath = nullptr;
     decltype(&TessBaseAPISetVariable) setVariable = nullptr;
     decltype(&TessBaseAPISetPageSegMode) setPageSegMode = nullptr;
     decltype(&TessBaseAPISetImage) setImage = nullptr;

@@ -3,7 +3,12 @@
 
 #include <algorithm>
 
+#include "Platform/Linux/ChineseScript.h"
+#include "Platform/Linux/TesseractData.h"
+
 namespace tovi {
+
+using namespace tesseractData;
 
 namespace {
 
@@ -18,22 +23,17 @@ constexpr double clearLead = 0.05; ///< before an unlikely language is believed
 constexpr double leadOfTraditional = 0.05;
 constexpr double englishLead = 0.07; ///< what another language's reading of Latin letters has to be surer by
 constexpr int nearby = 4; ///< pixels of a line's picture that readings differ about where a word is
-const QString simplifiedChinese = QStringLiteral("chi_sim");
-const QString traditionalChinese = QStringLiteral("chi_tra");
-const QString japanese = QStringLiteral("jpn");
-const QString korean = QStringLiteral("kor");
-const QString latin = QStringLiteral("eng");
 
 bool isKana(QChar c)
 {
     return c.unicode() > 0x3040 && c.unicode() <= 0x30ff;
 }
 
+/// Ideographs, kana and their punctuation, all of one width and without blanks between them.
 bool isIdeographic(QChar c)
 {
     const ushort code = c.unicode();
-    return (code >= 0x3000 && code <= 0x30ff) || (code >= 0x3400 && code <= 0x9fff) ||
-           (code >= 0xf900 && code <= 0xfaff) || code >= 0xff00;
+    return isIdeograph(c) || (code >= 0x3000 && code <= 0x30ff) || code >= 0xff00;
 }
 
 bool isSyllable(QChar c)
@@ -99,9 +99,8 @@ double confidenceOfOwn(const TesseractReading &reading, const TesseractReading &
     double sum = 0;
     qsizetype count = 0;
     for (const TesseractReading::Word &word : reading.words) {
-        const qsizetype own = std::count_if(word.text.begin(), word.text.end(), [&](QChar c) {
-            return c.unicode() >= 0x3400 && isIdeographic(c) && !text.contains(c);
-        });
+        const qsizetype own = std::count_if(word.text.begin(), word.text.end(),
+                                            [&](QChar c) { return isIdeograph(c) && !text.contains(c); });
         sum += word.confidence * double(own);
         count += own;
     }
@@ -320,17 +319,19 @@ QChar wideForm(QChar c)
     return narrow.contains(c) ? QChar(c.unicode() + 0xfee0) : c;
 }
 
-/// The dash that a stroke between Latin letters was; the stroke elsewhere.
-QChar withoutStroke(QStringView before, QChar c, QStringView after)
+/// The dash that a stroke beside Latin letters was; the stroke elsewhere.
+QChar withoutStroke(const QString &text, qsizetype at)
 {
-    if (c != u'一' && c != u'ー')
-        return c;
-    before = before.trimmed();
-    after = after.trimmed();
-    const auto isLatin = [](QChar neighbour) { return neighbour.isPrint() && !isWide(neighbour); };
+    if (text[at] != u'一' && text[at] != u'ー')
+        return text[at];
+    const QStringView before = QStringView(text).first(at).trimmed();
+    const QStringView after = QStringView(text).sliced(at + 1).trimmed();
+    const auto isLatin = [](QChar c) { return c.isLetterOrNumber() && c.unicode() < 0x250; };
+    const bool isAtEdge = before.isEmpty() || after.isEmpty();
     const bool isDash = (before.isEmpty() || isLatin(before.back())) &&
-                        (after.isEmpty() || isLatin(after.front())) && before.size() + after.size() > 0;
-    return isDash ? QChar(u'—') : c;
+                        (after.isEmpty() || isLatin(after.front())) && before.size() + after.size() > 0 &&
+                        !(isAtEdge && hasAny(text, isTelling));
+    return isDash ? QChar(u'—') : text[at];
 }
 
 /// A bullet or an icon before a label is read as some sign or letter.
@@ -352,7 +353,7 @@ QString tidyText(const TesseractReading &reading)
         (beginsWithOrnament(reading) ? part(reading, 1, reading.words.size()) : reading).text();
     QString tidy;
     for (qsizetype i = 0; i < text.size(); ++i) {
-        const QChar c = withoutStroke(QStringView(text).first(i), text[i], QStringView(text).sliced(i + 1));
+        const QChar c = withoutStroke(text, i);
         const QChar before = tidy.isEmpty() ? QChar() : tidy.back();
         const QChar after = i + 1 < text.size() ? text[i + 1] : QChar();
         if (c == u' ' && isIdeographic(before) && (isIdeographic(after) || wideForm(after) != after))

@@ -2,20 +2,21 @@
 #include "Platform/Linux/TesseractRecognizer.h"
 
 #include <algorithm>
-#include <array>
-#include <atomic>
-#include <cmath>
-#include <exception>
-#include <latch>
+#include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "Platform/DispatchQueue.h"
 #include "Platform/Linux/ChineseScript.h"
+#include "Platform/Linux/InParallel.h"
 #include "Platform/Linux/InkPicture.h"
 #include "Platform/Linux/ListBullet.h"
+#include "Platform/Linux/ScriptAgreement.h"
+#include "Platform/Linux/TesseractData.h"
 #include "Platform/Linux/TesseractEngines.h"
 #include "Platform/Linux/TesseractLineReader.h"
 #include "Platform/Linux/TextLineFinder.h"
@@ -23,27 +24,22 @@
 
 namespace tovi {
 
+using namespace tesseractData;
+
 namespace {
 
-constexpr int mostThreads = 2;       ///< each may want an engine of its own for a language
-constexpr double doubtfulLook = 0.4; ///< of a paragraph's script
-constexpr double clearLook = 1;      ///< of a line's script: its paragraph may be in another one
-const QString english = QStringLiteral("eng");
-const QString japanese = QStringLiteral("jpn");
-const QString korean = QStringLiteral("kor");
-const QString simplifiedChinese = QStringLiteral("chi_sim");
-const QString traditionalChinese = QStringLiteral("chi_tra");
+constexpr int mostThreads = 2; ///< each may want an engine of its own for a language
 
 /// Our names of languages and those of the library's data.
 QStringList dataNames(const QStringList &languages)
 {
-    static constexpr std::array<std::pair<QLatin1String, QLatin1String>, 5> table{{
-        {QLatin1String("zh-Hans"), QLatin1String("chi_sim")},
-        {QLatin1String("zh-Hant"), QLatin1String("chi_tra")},
-        {QLatin1String("en-US"), QLatin1String("eng")},
-        {QLatin1String("ja-JP"), QLatin1String("jpn")},
-        {QLatin1String("ko-KR"), QLatin1String("kor")},
-    }};
+    static const QList<std::pair<QLatin1String, QString>> table{
+        {QLatin1String("zh-Hans"), simplifiedChinese},
+        {QLatin1String("zh-Hant"), traditionalChinese},
+        {QLatin1String("en-US"), latin},
+        {QLatin1String("ja-JP"), japanese},
+        {QLatin1String("ko-KR"), korean},
+    };
     QStringList names;
     for (const QString &language : languages) {
         for (const auto &[ours, data] : table) {
@@ -52,34 +48,6 @@ QStringList dataNames(const QStringList &languages)
         }
     }
     return names;
-}
-
-/// Runs work(0) to work(count - 1) here and, as far as the pool has threads to spare, there.
-template <class Work>
-void inParallel(QThreadPool &pool, int count, const Work &work)
-{
-    std::atomic_int next = 0;
-    std::exception_ptr error;
-    std::once_flag failed;
-    const auto loop = [&] {
-        try {
-            for (int i = next++; i < count; i = next++)
-                work(i);
-        } catch (...) {
-            next = count;
-            std::call_once(failed, [&] { error = std::current_exception(); });
-        }
-    };
-    std::latch helperEnd(1);
-    const bool hasHelper = count > 1 && pool.tryStart([&] {
-        loop();
-        helperEnd.count_down();
-    });
-    loop();
-    if (hasHelper)
-        helperEnd.wait();
-    if (error)
-        std::rethrow_exception(error);
 }
 
 class Recognition
@@ -93,13 +61,12 @@ public:
         , m_reader(engines, m_languages)
         , m_stop(request.stop)
         , m_end(std::move(end))
-        , m_ink(inkPicture(request.image.convertToFormat(QImage::Format_Grayscale8),
-                           [this] { return isStopped(); }))
+        , m_ink(inkPicture(request.image.convertToFormat(QImage::Format_Grayscale8), m_isStopped))
     {}
 
     QList<RecognizedText> run()
     {
-        const QList<TextLine> lines = findTextLines(m_ink, [this] { return isStopped(); });
+        const QList<TextLine> lines = findTextLines(m_ink, m_isStopped);
         throwIfStopped();
         for (int i = 0; i < int(lines.size()); ++i) {
             for (const QRect &cell : lines[i])
@@ -109,20 +76,22 @@ public:
         if (m_pieces.empty())
             return {};
         const auto widest =
-            std::ranges::max_element(m_pieces, {}, [](const Piece &p) { return p.box.width(); });
+            std::ranges::max_element(m_pieces, {}, [](const TextPiece &p) { return p.box.width(); });
         const int first = int(widest - m_pieces.begin());
         QList<TesseractReading> known;
         const QString likely = likelyLanguage(picture(*widest), known);
         inParallel(m_pool, int(m_pieces.size()), [&](int i) {
             // The widest first: the threads end together when the longest work comes first.
-            Piece &piece = m_pieces[size_t(i == 0 ? first : (i <= first ? i - 1 : i))];
+            TextPiece &piece = m_pieces[size_t(i == 0 ? first : (i <= first ? i - 1 : i))];
             if (!isStopped() && !piece.box.isEmpty()) {
                 piece.reading =
                     m_reader.read(likely, picture(piece), i == 0 ? known : QList<TesseractReading>());
             }
         });
         throwIfStopped();
-        agreeOnScripts();
+        if (canRead(simplifiedChinese) && canRead(traditionalChinese))
+            ScriptAgreement(m_reader, m_script, m_pool, m_ink, m_isStopped).apply(m_pieces);
+        throwIfStopped();
         QList<RecognizedText> texts;
         for (size_t begin = 0; begin < m_pieces.size();) {
             const size_t end = endOfLine(begin);
@@ -133,19 +102,12 @@ public:
         return texts;
     }
 
-private:
-    /// A cell of a line, or all of it.
-    struct Piece
-    {
-        int line = 0;
-        QRect box;
-        QString bullet = {};
-        TesseractReading reading = {};
-        double look = 0; ///< of a Chinese script
-    };
+    /// Whether an engine was asked.
+    bool hasRead() const { return !m_pieces.empty(); }
 
+private:
     /// Out of the first piece of a line, of which nothing else may be left.
-    void takeBullet(Piece &first) const
+    void takeBullet(TextPiece &first) const
     {
         if (const auto bullet = listBullet(m_ink, first.box)) {
             first.bullet = QString(bullet->sign);
@@ -153,7 +115,7 @@ private:
         }
     }
 
-    QImage picture(const Piece &piece) const { return textLinePicture(m_ink, piece.box); }
+    QImage picture(const TextPiece &piece) const { return textLinePicture(m_ink, piece.box); }
 
     size_t endOfLine(size_t begin) const
     {
@@ -164,11 +126,11 @@ private:
     }
 
     /// None where nothing is text.
-    static std::optional<RecognizedText> textOf(std::span<const Piece> line)
+    static std::optional<RecognizedText> textOf(std::span<const TextPiece> line)
     {
         RecognizedText found;
         double sum = 0;
-        for (const Piece &piece : line) {
+        for (const TextPiece &piece : line) {
             if (!isText(piece.reading))
                 continue;
             const QString text = tidyText(piece.reading);
@@ -189,7 +151,7 @@ private:
     QString likelyLanguage(const QImage &line, QList<TesseractReading> &readings)
     {
         static const QList<QStringList> rounds{
-            {english}, {simplifiedChinese, japanese}, {traditionalChinese, korean}};
+            {latin}, {simplifiedChinese, japanese}, {traditionalChinese, korean}};
         TesseractReading best;
         for (const QStringList &round : rounds) {
             std::vector<std::optional<TesseractReading>> found(size_t(round.size()));
@@ -210,85 +172,22 @@ private:
             throw TextRecognitionError(QStringLiteral("no data for any of the languages are installed"),
                                        TextRecognitionError::Reason::NotInstalled);
         }
-        if (best.language == simplifiedChinese && traditionalLook(best, line) > doubtfulLook &&
-            m_languages.contains(traditionalChinese))
-            return traditionalChinese;
+        if (best.language == simplifiedChinese && canRead(traditionalChinese) &&
+            m_script.traditionalLook(best, line) > ChineseScript::doubtfulLook) {
+            if (std::ranges::find(readings, traditionalChinese, &TesseractReading::language) !=
+                readings.end())
+                return traditionalChinese;
+            if (const auto reading = m_engines.read(traditionalChinese, line)) {
+                readings << *reading;
+                return traditionalChinese;
+            }
+        }
         return best.language.isEmpty() ? readings.first().language : best.language;
     }
 
-    /// Of one that is Chinese and little else, so that it has one script.
-    static bool areOfParagraph(const Piece &piece, const Piece &next)
+    bool canRead(const QString &language) const
     {
-        if (!TesseractLineReader::readsChinese(piece.reading) ||
-            !TesseractLineReader::readsChinese(next.reading))
-            return false;
-        if (next.line == piece.line)
-            return true;
-        const QRect &box = piece.box;
-        return next.line == piece.line + 1 && next.box.top() > box.top() &&
-               next.box.top() - box.bottom() <= box.height() * 3 / 2;
-    }
-
-    /// The data for one Chinese script read the other, too, so that the ink tells which one it is. Pieces
-    /// with few letters that tell are written as the rest of their paragraph.
-    void agreeOnScripts()
-    {
-        if (!m_languages.contains(simplifiedChinese) || !m_languages.contains(traditionalChinese))
-            return;
-        std::vector<Piece *> chinese;
-        for (Piece &piece : m_pieces) {
-            const QString &language = piece.reading.language;
-            if (language == simplifiedChinese || language == traditionalChinese)
-                chinese.push_back(&piece);
-        }
-        inParallel(m_pool, int(chinese.size()), [&](int i) {
-            Piece &piece = *chinese[size_t(i)];
-            if (!isStopped())
-                piece.look = traditionalLook(piece.reading, picture(piece));
-        });
-        for (auto begin = chinese.begin(); begin != chinese.end();) {
-            auto end = begin + 1;
-            while (end != chinese.end() && areOfParagraph(**(end - 1), **end))
-                ++end;
-            agreeOnScript({begin, end});
-            begin = end;
-        }
-        throwIfStopped();
-    }
-
-    void agreeOnScript(std::span<Piece *const> paragraph)
-    {
-        std::vector<TesseractReading> others(paragraph.size());
-        const auto readOther = [&](size_t i) {
-            const QString &script = paragraph[i]->reading.language;
-            if (others[i].language.isEmpty() && !isStopped()) {
-                others[i] =
-                    m_reader.readIn(script == simplifiedChinese ? traditionalChinese : simplifiedChinese,
-                                    picture(*paragraph[i]));
-            }
-        };
-        double look = 0;
-        for (const Piece *piece : paragraph)
-            look += piece->look;
-        if (std::abs(look) < doubtfulLook) {
-            inParallel(m_pool, int(paragraph.size()), [&](int i) { readOther(size_t(i)); });
-            for (size_t i = 0; i < paragraph.size(); ++i) {
-                const TesseractReading &own = paragraph[i]->reading;
-                const bool isSimplified = own.language == simplifiedChinese;
-                look += traditionalLook(others[i], picture(*paragraph[i])) +
-                        TesseractLineReader::traditionalLead(isSimplified ? own : others[i],
-                                                             isSimplified ? others[i] : own);
-            }
-        }
-        inParallel(m_pool, int(paragraph.size()), [&](int i) {
-            Piece &piece = *paragraph[size_t(i)];
-            const bool isTraditional = (std::abs(piece.look) >= clearLook ? piece.look : look) > 0;
-            if (piece.reading.language == (isTraditional ? traditionalChinese : simplifiedChinese))
-                return;
-            readOther(size_t(i));
-            if (!others[size_t(i)].words.isEmpty())
-                piece.reading = others[size_t(i)];
-        });
+        return m_languages.contains(language) && m_engines.has(language);
     }
 
     bool isStopped() const { return m_stop.stop_requested() || m_end.stop_requested(); }
@@ -302,10 +201,12 @@ private:
     QThreadPool &m_pool;
     const QStringList m_languages;
     TesseractLineReader m_reader;
+    ChineseScript m_script;
     const std::stop_token m_stop;
     const std::stop_token m_end;
+    const std::function<bool()> m_isStopped = [this] { return isStopped(); };
     const QImage m_ink;
-    std::vector<Piece> m_pieces;
+    std::vector<TextPiece> m_pieces;
 };
 
 } // namespace
@@ -380,8 +281,10 @@ QFuture<QList<RecognizedText>> TesseractRecognizer::recognize(TextRecognitionReq
                     throw TextRecognitionError(QStringLiteral("libtesseract is not installed"),
                                                TextRecognitionError::Reason::NotInstalled);
                 }
-                auto texts = Recognition(*engines, m_pool, request, end).run();
-                m_isPresent = true;
+                Recognition recognition(*engines, m_pool, request, end);
+                auto texts = recognition.run();
+                if (recognition.hasRead())
+                    m_isPresent = true;
                 return texts;
             } catch (const TextRecognitionError &error) {
                 if (error.reason() == TextRecognitionError::Reason::NotInstalled)

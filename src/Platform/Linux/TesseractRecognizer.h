@@ -30,6 +30,7 @@ public:
     ~TesseractRecognizer() override;
 
     QFuture<QList<RecognizedText>> recognize(TextRecognitionRequest request) override;
+    /// True until a recognition has found out otherwise.
     bool isPresent() const override { return m_isPresent; }
 
     /// Engines that there are, for tests and measurements. Any thread.

@@ -5,11 +5,12 @@
 #include <array>
 #include <cstring>
 
+#include <QMargins>
+
 namespace tovi {
 
 namespace {
 
-constexpr int margin = 3;     ///< pixels of the screen that are taken around the ink
 constexpr int border = 10;    ///< pixels of background around the enlarged line
 constexpr int smallText = 24; ///< pixels of ink's height that are enlarged to twice their size
 constexpr int widest = 8000;  ///< pixels; the recogniser's time and memory go with it
@@ -33,7 +34,8 @@ uchar median(const QImage &gray)
 
 QImage textLinePicture(const QImage &ink, const QRect &box)
 {
-    QImage line = ink.copy(box.adjusted(-margin, -margin, margin, margin).intersected(ink.rect()));
+    const QMargins margins(textLineMargin, textLineMargin, textLineMargin, textLineMargin);
+    QImage line = ink.copy(box.marginsAdded(margins).intersected(ink.rect()));
     uchar background = median(line);
     if (background < 128) {
         line.invertPixels();

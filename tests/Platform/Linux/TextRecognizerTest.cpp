@@ -29,17 +29,18 @@ QImage blank(QSize size, QColor color = Qt::white)
     return image;
 }
 
-QFont textFont()
+QFont textFont(const char *family = "Noto Sans CJK SC")
 {
-    QFont font(QStringLiteral("Noto Sans CJK SC"));
+    QFont font((QString::fromLatin1(family)));
     font.setPixelSize(14);
     return font;
 }
 
-void write(QImage &image, QPoint position, const QStringList &lines, QColor color = Qt::black)
+void write(QImage &image, QPoint position, const QStringList &lines, QColor color = Qt::black,
+           const QFont &font = textFont())
 {
     QPainter painter(&image);
-    painter.setFont(textFont());
+    painter.setFont(font);
     painter.setPen(color);
     for (qsizetype i = 0; i < lines.size(); ++i)
         painter.drawText(position + QPoint(0, int(i) * 22), lines[i]);
@@ -152,9 +153,10 @@ TEST_F(TextRecognizerTest, readsWhatStandsBesideLinesAndOnColours)
     const QStringList right = list("Most visitors come by train|in early autumn. They stay|"
                                    "at one of the two inns near|the old bridge.");
     const QStringList shopping = list("• Two bottles of milk|• Bread and butter");
-    const QString listing = QStringLiteral("drwxr-xr-x  3 anna users   4096 Mar 12 build\n"
-                                           "-rw-r--r--  1 anna users  11342 Feb  3 LICENSE\n"
-                                           "-rw-r--r--  1 anna users    812 Jan 27 Makefile");
+    const QStringList letters = list("e pluribus|e pluribus");
+    const QStringList listing = list("drwxr-xr-x  3 anna users   4096 Mar 12 build|"
+                                     "-rw-r--r--  1 anna users  11342 Feb  3 LICENSE|"
+                                     "-rw-r--r--  1 anna users    812 Jan 27 Makefile");
     const auto drawTable = [&](QImage &image, const QStringList &cells) {
         QPainter painter(&image);
         for (int i = 0; i <= 4; ++i)
@@ -164,6 +166,9 @@ TEST_F(TextRecognizerTest, readsWhatStandsBesideLinesAndOnColours)
         painter.end();
         for (int i = 0; i < 12; ++i)
             write(image, {30 + i % 3 * 110, 38 + i / 3 * 26}, {cells[i]});
+    };
+    const auto written = [](const QStringList &lines, const char *family = "Noto Sans CJK SC") {
+        return [=](QImage &image) { write(image, {20, 30}, lines, Qt::black, textFont(family)); };
     };
     struct Case
     {
@@ -181,11 +186,6 @@ TEST_F(TextRecognizerTest, readsWhatStandsBesideLinesAndOnColours)
              write(image, {20 + width + 18, 30}, right);
          },
          (left + right).join(u' ')},
-        {"list",
-         [&](QImage &image) {
-             write(image, {20, 30}, shopping);
-         },
-         shopping.join(u' ')},
         {"selection",
          [&](QImage &image) {
              write(image, {20, 30}, prose);
@@ -199,15 +199,9 @@ TEST_F(TextRecognizerTest, readsWhatStandsBesideLinesAndOnColours)
              painter.drawText(20, 30, prose.first());
          },
          prose.join(u' ')},
-        {"terminal",
-         [&](QImage &image) {
-             QPainter painter(&image);
-             QFont font(QStringLiteral("DejaVu Sans Mono"));
-             font.setPixelSize(14);
-             painter.setFont(font);
-             painter.drawText(image.rect().adjusted(12, 12, 0, 0), Qt::AlignLeft, listing);
-         },
-         listing.simplified()},
+        {"list", written(shopping), shopping.join(u' ')},
+        {"letters as small and alone as bullets", written(letters, "P052"), letters.join(u' ')},
+        {"terminal", written(listing, "DejaVu Sans Mono"), listing.join(u' ')},
     };
     for (const Case &c : cases) {
         QImage image = blank({720, 260});
@@ -279,6 +273,8 @@ TEST_F(TextRecognizerTest, worksWithTheDataThatAreThere)
         } catch (const TextRecognitionError &error) {
             EXPECT_EQ(error.reason(), TextRecognitionError::Reason::NotInstalled);
         }
+        await(recognizer.recognize({.image = blank({9, 9}), .languages = languages}));
+        EXPECT_FALSE(recognizer.isPresent());
     }
     // A file that is cut short is as good as none.
     QFile cut(folder.filePath(QStringLiteral("jpn.traineddata")));
@@ -290,6 +286,7 @@ TEST_F(TextRecognizerTest, worksWithTheDataThatAreThere)
     TesseractRecognizer recognizer(m_clock, folder.path());
     const auto lines = await(recognizer.recognize({.image = picture.image, .languages = languages}));
     EXPECT_EQ(lines.size(), picture.text.count(u'\n') + 1);
+    EXPECT_TRUE(recognizer.isPresent());
 }
 
 TEST_F(TextRecognizerTest, canEndInTheMiddleOfAPicture)
@@ -352,7 +349,8 @@ TEST(TesseractLineReader, writesPunctuationAsItsNeighbours)
     EXPECT_EQ(tidy("Hello, (world)!"), QStringLiteral("Hello, (world)!"));
     EXPECT_EQ(tidy("在 Settings 里"), QStringLiteral("在 Settings 里"));
     EXPECT_EQ(tidy("Rain一and more 一 all day"), QStringLiteral("Rain—and more — all day"));
-    EXPECT_EQ(tidy("第一 Windows 一起"), QStringLiteral("第一 Windows 一起"));
+    for (const char *text : {"第一 Windows 一起", "一 Windows 窗口", "“一”是数字"})
+        EXPECT_EQ(tidy(text), QString::fromUtf8(text));
 }
 
 } // namespace

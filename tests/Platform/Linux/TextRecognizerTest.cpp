@@ -151,6 +151,7 @@ TEST_F(TextRecognizerTest, readsWhatStandsBesideLinesAndOnColours)
                                   "mills before it turns south.|In spring it is high.");
     const QStringList right = list("Most visitors come by train|in early autumn. They stay|"
                                    "at one of the two inns near|the old bridge.");
+    const QStringList note = list("注意：重启之前请保存所有文件。|未保存的内容将会丢失。");
     const QStringList shopping = list("• Two bottles of milk|• Bread and butter");
     const QString listing = QStringLiteral("drwxr-xr-x  3 anna users   4096 Mar 12 build\n"
                                            "-rw-r--r--  1 anna users  11342 Feb  3 LICENSE\n"
@@ -208,6 +209,12 @@ TEST_F(TextRecognizerTest, readsWhatStandsBesideLinesAndOnColours)
              painter.drawText(image.rect().adjusted(12, 12, 0, 0), Qt::AlignLeft, listing);
          },
          listing.simplified()},
+        {"note with a bar at its side",
+         [&](QImage &image) {
+             QPainter(&image).fillRect(12, 14, 4, 48, QColor(0x4a, 0x90, 0xd9));
+             write(image, {26, 32}, note);
+         },
+         note.join(u' ')},
     };
     for (const Case &c : cases) {
         QImage image = blank({720, 260});

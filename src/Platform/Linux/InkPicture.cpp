@@ -68,6 +68,8 @@ public:
             if (isCursor(part) || isBar(part) || isCorner(part) ||
                 (isSolid(part) && strokes.isSideBar(part.box)))
                 drop(part.pixels);
+            else if (strokes.isUnderscore(part.box))
+                blacken(part.pixels);
         });
         if (m_isStopped())
             return {};
@@ -327,6 +329,13 @@ private:
             }
         }
         return false;
+    }
+
+    /// Recognisers take faint underscores for blanks.
+    void blacken(const std::vector<int> &pixels)
+    {
+        for (const int pixel : pixels)
+            m_values[size_t(pixel)] /= 4;
     }
 
     void drop(const std::vector<int> &pixels)

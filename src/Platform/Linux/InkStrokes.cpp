@@ -14,6 +14,7 @@ constexpr int widestRule = 4; ///< pixels
 constexpr int widestBar = 8;  ///< pixels, softened sides among them
 constexpr int lowestBar = 18; ///< pixels
 constexpr int barShape = 7;   ///< times its width: the sign that separates is thinner
+constexpr int shortestUnderscore = 5;
 constexpr int lowestLine = 5; ///< pixels
 constexpr int nearBar = 60;   ///< pixels to its right, where a line has begun
 
@@ -58,6 +59,15 @@ bool InkStrokes::isSideBar(const QRect &box) const
     return (box.left() == 0 || box.height() <= box.width() * barShape) &&
            lines.front().top() >= box.top() + 2 && lines.back().bottom() <= box.bottom() - 2 &&
            box.height() * 10 >= (lines.back().bottom() - lines.front().top() + 1) * 13;
+}
+
+bool InkStrokes::isUnderscore(const QRect &box) const
+{
+    if (box.height() > 2 || box.width() < shortestUnderscore || box.width() < box.height() * 4)
+        return false;
+    const int left = std::max(box.left() - box.width(), 0);
+    const int below = box.bottom() + 2;
+    return isBlank({left, below, box.right() + box.width() - left + 1, std::clamp(m_height - below, 0, 1)});
 }
 
 bool InkStrokes::isBlank(const QRect &rect) const

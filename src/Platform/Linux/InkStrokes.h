@@ -27,6 +27,8 @@ public:
     /// Whether a solid box is an upright bar before a quotation or a note: longer than the line beside it, or
     /// beside more than one.
     bool isSideBar(const QRect &box) const;
+    /// Whether a box is a flat stroke with nothing right below itself and its neighbours.
+    bool isUnderscore(const QRect &box) const;
 
 private:
     void addRules(int first, int length, int step, int across, int shape, std::vector<int> &rules) const;

@@ -21,13 +21,12 @@ constexpr int smallestLine = EdgeMap::smallestLine;
 constexpr double gutter = 1.8;       ///< of a line's height: a gap so wide separates columns
 constexpr double mostBlanks = 4.5;   ///< line heights between words of a line that stands alone
 constexpr double proseGutter = 0.9;  ///< the same where prose stands on both sides
-constexpr double cellGap = 1.5;      ///< of a line's height between the cells of a line
+constexpr double cellGap = 1.25;     ///< of a line's height between the cells of a line
 constexpr int lineOfProse = 7;       ///< line heights: columns of shorter ones are read row by row
 constexpr double proseStep = 1.75;   ///< line heights from one line of prose to the next
 constexpr qsizetype fewestLines = 3; ///< of a column of prose
 constexpr int lineOfShortProse = 15; ///< line heights where there are two lines only
 constexpr double shortProseStep = 2.4;
-constexpr double wordGap = 0.3;   ///< line heights
 constexpr double tableStep = 3.5; ///< line heights from one row of a table to the next
 
 class LineFinder
@@ -189,10 +188,14 @@ private:
     /// Whether a row that shares no wide gutter with its neighbours shares narrow ones with one of them.
     bool isRowOfTable(const QRect &rect, const std::vector<Span> &rows, size_t row, size_t columns) const
     {
+        const auto cells = [&](size_t first, size_t last) {
+            const QRect part = rowRect(rect, rows[first].begin, rows[last].end);
+            return joined(m_edges.inkedColumns(part), proseGutter * m_lineHeight).size();
+        };
         const auto isShared = [&](size_t first) {
-            const QRect both = rowRect(rect, rows[first].begin, rows[first + 1].end);
             return rows[first + 1].begin - rows[first].begin <= m_lineHeight * tableStep &&
-                   joined(m_edges.inkedColumns(both), proseGutter * m_lineHeight).size() >= columns;
+                   std::min(cells(first, first), cells(first + 1, first + 1)) >= columns &&
+                   cells(first, first + 1) >= columns;
         };
         return (row > 0 && isShared(row - 1)) || (row + 1 < rows.size() && isShared(row));
     }
@@ -253,10 +256,10 @@ private:
     {
         const std::vector<Span> rows = rowsOf(rect);
         const auto count = qsizetype(rows.size());
-        const int words = int(joined(m_edges.inkedColumns(rect), wordGap * m_lineHeight).size());
+        const int words = int(m_edges.inkedColumns(rect).size());
         const bool isShort = count < fewestLines;
         if (count < 2 || rect.width() < m_lineHeight * (isShort ? lineOfShortProse : lineOfProse) ||
-            rect.width() < m_lineHeight * words * 2)
+            (!isShort && rect.width() < m_lineHeight * words * 2))
             return false;
         qsizetype full = 0;
         bool isEven = true; // as lines of scripts without blanks are

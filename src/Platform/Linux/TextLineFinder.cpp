@@ -25,7 +25,7 @@ constexpr double cellGap = 1.25;     ///< of a line's height between the cells o
 constexpr int lineOfProse = 7;       ///< line heights: columns of shorter ones are read row by row
 constexpr double proseStep = 1.75;   ///< line heights from one line of prose to the next
 constexpr qsizetype fewestLines = 3; ///< of a column of prose
-constexpr int lineOfShortProse = 15; ///< line heights where there are two lines only
+constexpr int lineOfShortProse = 13; ///< line heights where there are two lines only
 constexpr double shortProseStep = 2.4;
 constexpr double tableStep = 3.5; ///< line heights from one row of a table to the next
 

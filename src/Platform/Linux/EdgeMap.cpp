@@ -8,7 +8,8 @@ namespace tovi {
 
 namespace {
 
-constexpr int edgeStep = 28; ///< of 255: fainter steps are shading, not text
+constexpr int edgeStep = 28;     ///< of 255: fainter steps are shading, not text
+constexpr int highestStroke = 3; ///< pixels with the edges of both sides
 
 } // namespace
 
@@ -49,6 +50,20 @@ std::vector<int> EdgeMap::inkOfRows(const QRect &rect) const
     for (int y = 0; y < rect.height(); ++y) {
         const uchar *row = &m_edges[size_t(rect.y() + y) * size_t(m_width) + size_t(rect.x())];
         counts[size_t(y)] = int(std::count(row, row + rect.width(), 1));
+    }
+    return counts;
+}
+
+std::vector<int> EdgeMap::strokesOfRows(const QRect &rect) const
+{
+    std::vector<int> counts(size_t(rect.height()));
+    for (const QRect &part : m_parts) {
+        if (part.height() > highestStroke || part.width() < part.height() * 2 || !rect.contains(part))
+            continue;
+        for (int y = part.top(); y <= part.bottom(); ++y) {
+            const uchar *row = &m_edges[index(part.x(), y)];
+            counts[size_t(y - rect.top())] += int(std::count(row, row + part.width(), 1));
+        }
     }
     return counts;
 }

@@ -29,6 +29,8 @@ public:
     /// Most connected strokes in a rectangle are lower, as ideographs have many; 0 without any.
     int letterHeight(const QRect &rect) const;
     std::vector<int> inkOfRows(const QRect &rect) const;
+    /// The part of it that is flat strokes by themselves, as underscores are.
+    std::vector<int> strokesOfRows(const QRect &rect) const;
     std::vector<int> inkOfColumns(const QRect &rect) const;
     /// Parts of a rectangle's rows (or columns) that have ink.
     std::vector<Span> inkedRows(const QRect &rect) const { return spans(inkOfRows(rect), rect.y()); }

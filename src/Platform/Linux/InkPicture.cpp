@@ -9,12 +9,13 @@
 
 #include <QRect>
 
+#include "Platform/Linux/InkStrokes.h"
+
 namespace tovi {
 
 namespace {
 
 constexpr int shading = 3;      ///< of 255: how much neighbours on one ground differ, gradients included
-constexpr int faintest = 24;    ///< of 255: less is no ink
 constexpr int wideGround = 100; ///< pixels: no letter is so large
 constexpr int highGround = 40;
 constexpr int narrowestBlock = 16; ///< pixels of the ground of one short word
@@ -24,11 +25,10 @@ constexpr int lowestFrame = 14;
 constexpr int frameWidth = 3;
 constexpr int frameCorner = 8;
 constexpr size_t mostOfCorner = 8; ///< pixels
+constexpr int cornerBar = 16;      ///< pixels
 constexpr int cursorShape = 17;    ///< times its width: higher than any letter of one stroke
 constexpr int narrowestCell = 6;   ///< pixels of a terminal's letter
-constexpr int uprightRule = 24;    ///< times its width: as long as no stroke of a letter
-constexpr int flatRule = 40;
-constexpr int widestRule = 4; ///< pixels
+constexpr int widestCursor = 3;    ///< pixels
 
 /// A connected part of the picture.
 struct Part
@@ -62,10 +62,14 @@ public:
                 dropFrame(part);
         });
         if (!m_isStopped())
-            dropRules();
-        forEachPart([this](const Part &part) {
-            if (isCursor(part) || isBar(part) || isCorner(part))
+            drop(InkStrokes(m_values, m_width, m_height).rules());
+        const InkStrokes strokes(m_values, m_width, m_height);
+        forEachPart([&](const Part &part) {
+            if (isCursor(part) || isBar(part) || isCorner(part) ||
+                (isSolid(part) && strokes.isSideBar(part.box)))
                 drop(part.pixels);
+            else if (strokes.isUnderscore(part.box))
+                blacken(part.pixels);
         });
         if (m_isStopped())
             return {};
@@ -79,7 +83,7 @@ private:
     int xOf(int pixel) const { return pixel % m_width; }
     int yOf(int pixel) const { return pixel / m_width; }
     bool isRowOfStop(int pixel) const { return xOf(pixel) == 0 && m_isStopped(); }
-    bool isInk(int pixel) const { return m_values[size_t(pixel)] < 255 - faintest; }
+    bool isInk(int pixel) const { return m_values[size_t(pixel)] < 255 - InkStrokes::faintest; }
 
     void findGrounds()
     {
@@ -252,7 +256,7 @@ private:
     {
         const int width = part.box.width();
         const int height = part.box.height();
-        if (width < widestRule)
+        if (width <= widestCursor)
             return height >= width * cursorShape;
         if (width < narrowestCell || height * 2 < width * 3 || height * 2 > width * 5)
             return false;
@@ -269,7 +273,9 @@ private:
         const int length = std::max(box.width(), box.height());
         const bool isAtEdge = (box.height() == length && (box.left() == 0 || box.right() == m_width - 1)) ||
                               (box.width() == length && (box.top() == 0 || box.bottom() == m_height - 1));
-        return isSolid(part) && length >= (isAtEdge ? highGround : wideGround);
+        const bool isInCorner = (box.left() == 0 || box.right() == m_width - 1) &&
+                                box.height() >= cornerBar && (box.top() == 0 || box.bottom() == m_height - 1);
+        return isSolid(part) && (isInCorner || length >= (isAtEdge ? highGround : wideGround));
     }
 
     void takeInk(int start, std::vector<uchar> &isKnown, Part &part) const
@@ -324,59 +330,17 @@ private:
         return false;
     }
 
+    /// Recognisers take faint underscores for blanks.
+    void blacken(const std::vector<int> &pixels)
+    {
+        for (const int pixel : pixels)
+            m_values[size_t(pixel)] /= 4;
+    }
+
     void drop(const std::vector<int> &pixels)
     {
         for (const int pixel : pixels)
             m_values[size_t(pixel)] = 255;
-    }
-
-    void dropRules()
-    {
-        std::vector<int> rules;
-        for (int y = 0; y < m_height; ++y)
-            addRules(y * m_width, m_width, 1, m_width, flatRule, rules);
-        for (int x = 0; x < m_width; ++x)
-            addRules(x, m_height, m_width, 1, uprightRule, rules);
-        drop(rules);
-    }
-
-    /// Of one row or column, whose pixels are a step apart, and those across it another.
-    void addRules(int first, int length, int step, int across, int shape, std::vector<int> &rules) const
-    {
-        std::vector<int> widths;
-        int begin = 0;
-        for (int i = 0; i <= length; ++i) {
-            const int pixel = first + i * step;
-            if (i < length && isInk(pixel) &&
-                (i == begin ||
-                 std::abs(m_values[size_t(pixel)] - m_values[size_t(pixel - step)]) <= faintest))
-                continue;
-            if (i - begin >= shape) {
-                widths.clear();
-                for (int k = begin; k < i; ++k)
-                    widths.push_back(widthAt(first + k * step, across));
-                const auto middle = widths.begin() + std::ptrdiff_t(widths.size() / 2);
-                std::nth_element(widths.begin(), middle, widths.end());
-                if (*middle <= widestRule && i - begin >= shape * *middle) {
-                    for (int k = begin; k < i; ++k)
-                        rules.push_back(first + k * step);
-                }
-            }
-            begin = i < length && isInk(pixel) ? i : i + 1;
-        }
-    }
-
-    int widthAt(int pixel, int across) const
-    {
-        int width = 1;
-        for (const int step : {across, -across}) {
-            int next = pixel + step;
-            for (int i = 0; i < widestRule && next >= 0 && next < int(m_values.size()) && isInk(next); ++i) {
-                ++width;
-                next += step;
-            }
-        }
-        return width;
     }
 
     const std::function<bool()> &m_isStopped;

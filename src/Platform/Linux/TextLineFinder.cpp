@@ -2,6 +2,7 @@
 #include "Platform/Linux/TextLineFinder.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -13,22 +14,28 @@ namespace tovi {
 namespace {
 
 constexpr qsizetype mostLines = 3000; ///< a large screen full of small text; more are a pattern
+constexpr int leastOfLine = 85;       ///< of 100: lower ones are cut
+constexpr uchar blackInk = 160;       ///< of 255, which is none
 constexpr int lowestBlock = 20;       ///< pixels of lines that touch
 constexpr int smallestLine = EdgeMap::smallestLine;
 constexpr double gutter = 1.8;       ///< of a line's height: a gap so wide separates columns
 constexpr double proseGutter = 0.9;  ///< the same where prose stands on both sides
-constexpr double mostBlanks = 2.2;   ///< line heights between words of a line that stands alone
-constexpr double cellGap = 1.5;      ///< of a line's height between the cells of a line
+constexpr double mostBlanks = 4.5;   ///< line heights between words of a line that stands alone
+constexpr double cellGap = 1.25;     ///< of a line's height between the cells of a line
 constexpr int lineOfProse = 7;       ///< line heights: columns of shorter ones are read row by row
 constexpr double proseStep = 1.75;   ///< line heights from one line of prose to the next
 constexpr qsizetype fewestLines = 3; ///< of a column of prose
+constexpr int lineOfShortProse = 13; ///< line heights where there are two lines only
+constexpr double shortProseStep = 2.4;
+constexpr double tableStep = 3.5; ///< line heights from one row of a table to the next
 
 class LineFinder
 {
 public:
-    LineFinder(const QImage &gray, const std::function<bool()> &isStopped)
+    LineFinder(const QImage &ink, const std::function<bool()> &isStopped)
         : m_isStopped(isStopped)
-        , m_edges(gray)
+        , m_ink(ink)
+        , m_edges(ink)
     {}
 
     QList<TextLine> find()
@@ -36,6 +43,7 @@ public:
         const std::vector<Span> rows = m_edges.inkedRows(m_edges.bounds());
         m_lineHeight = typicalHeight(rows);
         split(m_edges.bounds());
+        dropCutLines();
         return m_lines;
     }
 
@@ -62,9 +70,12 @@ private:
         if (block.length() < lowestBlock)
             return {block};
         const int letter = m_edges.letterHeight(part);
-        if (letter == 0 || block.length() * 2 < letter * 5)
+        const std::vector<int> strokes = m_edges.strokesOfRows(part);
+        const bool hasStrokes = std::ranges::any_of(strokes, [](int ink) { return ink > 0; });
+        if (letter == 0 || block.length() * 2 < letter * (hasStrokes ? 4 : 5))
             return {block};
-        const std::vector<int> ink = m_edges.inkOfRows(part);
+        std::vector<int> ink = m_edges.inkOfRows(part);
+        std::ranges::transform(ink, strokes, ink.begin(), std::minus());
         std::vector<Span> lines;
         int begin = 0;
         for (int y = letter; y + letter <= block.length(); ++y) {
@@ -72,8 +83,12 @@ private:
             const int most = *std::max_element(around - letter, around + letter);
             const bool isLeast = *std::min_element(around - letter / 2, around + letter / 2) == *around;
             if (isLeast && *around * 3 < most && y - begin >= letter) {
-                lines.push_back({block.begin + begin, block.begin + y});
-                begin = y;
+                // Underscores belong to what is above them.
+                int end = y;
+                for (int below = y; below < y + letter / 2 && ink[size_t(below)] * 3 < most; ++below)
+                    end = strokes[size_t(below)] > 0 ? below + 1 : end;
+                lines.push_back({block.begin + begin, block.begin + end});
+                begin = end;
             }
         }
         lines.push_back({block.begin + begin, block.end});
@@ -94,10 +109,22 @@ private:
                     last.end = row.end;
                     continue;
                 }
+                if (gap * 2 <= m_lineHeight && isUnderscores(rowRect(rect, row.begin, row.end))) {
+                    last.end = row.end;
+                    continue;
+                }
             }
             rows.push_back(row);
         }
         return rows;
+    }
+
+    bool isUnderscores(const QRect &row) const
+    {
+        return row.height() <= std::max(3, m_lineHeight / 4) &&
+               std::ranges::all_of(m_edges.inkedColumns(row), [&](const Span &stroke) {
+                   return stroke.length() * 5 >= m_lineHeight * 2;
+               });
     }
 
     /// Ink with narrow gaps in it.
@@ -148,7 +175,7 @@ private:
                 continue;
             }
             const QRect part = rowRect(rect, rows[i].begin, rows[end - 1].end);
-            if (isTable(part, columns)) {
+            if (isTable(part, columns) || (end == i + 1 && isRowOfTable(rect, rows, i, columns.size()))) {
                 for (; i < end; ++i)
                     addLines(rowRect(rect, rows[i].begin, rows[i].end));
                 continue;
@@ -156,6 +183,21 @@ private:
             readColumns(columns, part);
             i = end;
         }
+    }
+
+    /// Whether a row that shares no wide gutter with its neighbours shares narrow ones with one of them.
+    bool isRowOfTable(const QRect &rect, const std::vector<Span> &rows, size_t row, size_t columns) const
+    {
+        const auto cells = [&](size_t first, size_t last) {
+            const QRect part = rowRect(rect, rows[first].begin, rows[last].end);
+            return joined(m_edges.inkedColumns(part), proseGutter * m_lineHeight).size();
+        };
+        const auto isShared = [&](size_t first) {
+            return rows[first + 1].begin - rows[first].begin <= m_lineHeight * tableStep &&
+                   std::min(cells(first, first), cells(first + 1, first + 1)) >= columns &&
+                   cells(first, first + 1) >= columns;
+        };
+        return (row > 0 && isShared(row - 1)) || (row + 1 < rows.size() && isShared(row));
     }
 
     void readColumns(const std::vector<Span> &columns, const QRect &rect)
@@ -195,6 +237,12 @@ private:
         }
         if (prose.columns.empty() || prose.columns.size() < cellsOfFirst)
             return std::nullopt;
+        if (prose.end - first < size_t(fewestLines)) {
+            for (size_t i = 1; i < prose.columns.size(); ++i) {
+                if (prose.columns[i].begin - prose.columns[i - 1].end < int(gutter * m_lineHeight))
+                    return std::nullopt;
+            }
+        }
         const QRect part = rowRect(rect, rows[first].begin, rows[prose.end - 1].end);
         const bool isProse = std::ranges::all_of(prose.columns, [&](const Span &column) {
             return isColumnOfProse({column.begin, part.top(), column.length(), part.height()});
@@ -202,26 +250,35 @@ private:
         return isProse ? std::optional(prose) : std::nullopt;
     }
 
-    /// Most lines of prose are full, and close to each other or nearly all of them full.
+    /// Most lines of prose are full, and close to each other or nearly all of them full. Two lines tell
+    /// enough when they are long.
     bool isColumnOfProse(const QRect &rect) const
     {
         const std::vector<Span> rows = rowsOf(rect);
         const auto count = qsizetype(rows.size());
         const int words = int(m_edges.inkedColumns(rect).size());
-        if (count < fewestLines || rect.width() < m_lineHeight * lineOfProse ||
-            rect.width() < m_lineHeight * words * 2)
+        const bool isShort = count < fewestLines;
+        if (count < 2 || rect.width() < m_lineHeight * (isShort ? lineOfShortProse : lineOfProse) ||
+            (!isShort && rect.width() < m_lineHeight * words * 2))
             return false;
         qsizetype full = 0;
+        bool isEven = true; // as lines of scripts without blanks are
         std::vector<int> steps;
         for (size_t i = 0; i < rows.size(); ++i) {
             const auto ink = m_edges.inkedColumns(rowRect(rect, rows[i].begin, rows[i].end));
-            full += (ink.back().end - ink.front().begin) * 10 >= rect.width() * 7;
+            const bool isLast = i + 1 == rows.size();
+            full += (ink.back().end - ink.front().begin) * 10 >= rect.width() * (isShort && !isLast ? 8 : 7);
+            isEven = isEven && (isLast || rect.right() - ink.back().end <= m_lineHeight * 5 / 4);
             if (i > 0)
                 steps.push_back(rows[i].begin - rows[i - 1].begin);
         }
         const auto middle = steps.begin() + std::ptrdiff_t(steps.size() / 2);
         std::nth_element(steps.begin(), middle, steps.end());
-        const bool isDense = *middle <= m_lineHeight * proseStep;
+        const bool isDense =
+            *middle <= m_lineHeight * proseStep || (isEven && *middle <= m_lineHeight * shortProseStep &&
+                                                    rect.width() >= m_lineHeight * lineOfShortProse);
+        if (isShort)
+            return isDense && (isEven || full > 0);
         // The last line of a paragraph is often short.
         return isDense ? (full + 1) * 4 >= count * 3 : full * 20 >= count * 17;
     }
@@ -274,7 +331,40 @@ private:
         m_lines << line;
     }
 
+    bool hasInk(const QRect &box, int y) const
+    {
+        const uchar *row = m_ink.constScanLine(y);
+        return std::any_of(row + box.left(), row + box.right() + 1,
+                           [](uchar value) { return value < blackInk; });
+    }
+
+    /// What the picture's edge has cut reads as anything. Such a line is lower than the one next to it.
+    void dropCutLines()
+    {
+        const QList<TextLine> lines = m_lines;
+        const auto boxOf = [](const TextLine &line) { return line.first() | line.last(); };
+        m_lines.removeIf([&](const TextLine &line) {
+            const QRect box = boxOf(line);
+            const bool isAtTop = box.top() == 0 && hasInk(box, 0);
+            if (!isAtTop && (box.bottom() < m_ink.height() - 1 || !hasInk(box, box.bottom())))
+                return false;
+            const auto distance = [&](const TextLine &other) {
+                return std::abs(boxOf(other).center().y() - box.center().y());
+            };
+            const TextLine *next = nullptr;
+            for (const TextLine &other : lines) {
+                const QRect beside = boxOf(other);
+                const bool isCut = beside.top() <= 0 || beside.bottom() >= m_ink.height() - 1;
+                if (!isCut && beside.left() <= box.right() && beside.right() >= box.left() &&
+                    (!next || distance(other) < distance(*next)))
+                    next = &other;
+            }
+            return next && box.height() * 100 < next->first().height() * leastOfLine;
+        });
+    }
+
     const std::function<bool()> &m_isStopped;
+    const QImage &m_ink;
     EdgeMap m_edges;
     int m_lineHeight = smallestLine;
     QList<TextLine> m_lines;

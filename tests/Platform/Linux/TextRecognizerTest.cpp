@@ -118,6 +118,12 @@ TEST_F(TextRecognizerTest, readsWhatIsFramed)
     write(image, {340, 62}, {QStringLiteral("924.94")});
     EXPECT_THAT(read(image), ElementsAre(QStringLiteral("Save changes"), QStringLiteral("删除文件"),
                                          QStringLiteral("924.94")));
+
+    // Buttons that stand close are read across.
+    image = blank({400, 60});
+    write(image, {40, 34}, {QStringLiteral("Save")});
+    write(image, {120, 34}, {QStringLiteral("Cancel")});
+    EXPECT_THAT(read(image), ElementsAre(QStringLiteral("Save Cancel")));
 }
 
 TEST_F(TextRecognizerTest, findsNothingWhereNothingIsWritten)
@@ -152,6 +158,9 @@ TEST_F(TextRecognizerTest, readsWhatStandsBesideLinesAndOnColours)
                                   "mills before it turns south.|In spring it is high.");
     const QStringList right = list("Most visitors come by train|in early autumn. They stay|"
                                    "at one of the two inns near|the old bridge.");
+    const QStringList note = list("注意：重启之前请保存所有文件。|未保存的内容将会丢失。");
+    const QStringList korean = list("봄이 오면 산에 꽃이 피고 아이들은 들판을|뛰어다니며 놀기 시작합니다.|"
+                                    "도서관은 매일 아침 아홉 시에 문을 열고|저녁에 닫습니다.");
     const QStringList shopping = list("• Two bottles of milk|• Bread and butter");
     const QStringList letters = list("e pluribus|e pluribus");
     const QStringList listing = list("drwxr-xr-x  3 anna users   4096 Mar 12 build|"
@@ -202,6 +211,26 @@ TEST_F(TextRecognizerTest, readsWhatStandsBesideLinesAndOnColours)
         {"list", written(shopping), shopping.join(u' ')},
         {"letters as small and alone as bullets", written(letters, "P052"), letters.join(u' ')},
         {"terminal", written(listing, "DejaVu Sans Mono"), listing.join(u' ')},
+        {"note with a bar at its side",
+         [&](QImage &image) {
+             QPainter(&image).fillRect(12, 14, 4, 48, QColor(0x4a, 0x90, 0xd9));
+             write(image, {26, 32}, note);
+         },
+         note.join(u' ')},
+        {"short columns of Korean",
+         [&](QImage &image) {
+             write(image, {20, 30}, korean.mid(0, 2));
+             const int width = QFontMetrics(textFont()).horizontalAdvance(korean[0]);
+             write(image, {20 + width + 36, 30}, korean.mid(2, 2));
+         },
+         korean.join(u' ')},
+        {"lines that the edges cut",
+         [&](QImage &image) {
+             write(image, {20, 8}, {left[0]});
+             write(image, {20, 30}, left);
+             write(image, {20, 264}, {left[2]});
+         },
+         left.join(u' ')},
     };
     for (const Case &c : cases) {
         QImage image = blank({720, 260});

@@ -142,7 +142,7 @@ UpdateWindow::UpdateWindow(UpdateController &controller)
     auto *head = new QHBoxLayout;
     head->setSpacing(16);
     head->addWidget(new LogoView(logoSide), 0, Qt::AlignTop);
-    head->addWidget(m_warning, 0, Qt::AlignTop);
+    head->addWidget(m_warning, 0, Qt::AlignVCenter);
     head->addWidget(m_message, 1);
     head->addWidget(m_spinner);
     auto *buttons = new QHBoxLayout;

@@ -230,6 +230,14 @@ QString decoded(QStringView entity)
     return isShown ? QString::fromUcs4(reinterpret_cast<const char32_t *>(&code), 1) : QString();
 }
 
+/// Where a link leads, when that is a web page.
+QString webAddress(QStringView tag)
+{
+    static const QRegularExpression address(QStringLiteral("\\shref\\s*=\\s*[\"']?(https?://[^\\s\"'<>]+)"),
+                                            QRegularExpression::CaseInsensitiveOption);
+    return address.match(tag).captured(1).replace(QStringLiteral("&amp;"), QStringLiteral("&"));
+}
+
 } // namespace
 
 std::weak_ordering compareVersions(QStringView one, QStringView other)
@@ -307,6 +315,7 @@ QString Appcast::plainText(QStringView html)
     static const QRegularExpression lines(
         QStringLiteral("^(br|p|div|h[1-6]|ul|ol|tr|table|section|article|blockquote|pre|hr)$"));
     QString text;
+    QString link; // of the text that is being read
     for (qsizetype i = 0; i < html.size() && text.size() < longestNotes;) {
         if (html[i] == u'&') {
             const qsizetype end = html.sliced(i, std::min<qsizetype>(12, html.size() - i)).indexOf(u';');
@@ -332,6 +341,11 @@ QString Appcast::plainText(QStringView html)
             ++length;
         const QString name = tag.sliced(isEnd ? 1 : 0, length - (isEnd ? 1 : 0)).toString().toLower();
         i = close + (isComment ? 3 : 1);
+        if (name == QLatin1String("a")) {
+            if (isEnd && !link.isEmpty() && !text.endsWith(link))
+                text += QStringLiteral(" (%1)").arg(link);
+            link = isEnd ? QString() : webAddress(tag);
+        }
         if (name == QLatin1String("li"))
             text += isEnd ? QString() : QStringLiteral("\n\u2022 ");
         else if (lines.match(name).hasMatch())

@@ -11,6 +11,7 @@
 
 #include "Localization.h"
 #include "Support/WebFixture.h"
+#include "UI/Forms/SymbolView.h"
 #include "UI/UpdateWindow.h"
 
 namespace tovi {
@@ -131,6 +132,9 @@ TEST(Appcast, NotesAreText)
         {"a<script>evil()</script>b<STYLE>p{}</style >c<!-- <p>hidden -->d", "abcd"},
         {"<img src='https://tracker'>text<script>", "text"},
         {"cut <p", "cut"},
+        {"<a class=x href='https://e.org/?a&amp;b'>all</a>, <a href='https://e.org'>https://e.org</a>, "
+         "<a href='javascript:x'>run</a>",
+         "all (https://e.org/?a&b), https://e.org, run"},
     };
     for (const auto &[html, text] : cases)
         EXPECT_EQ(Appcast::plainText(QString::fromUtf8(html)), QString::fromUtf8(text));
@@ -221,6 +225,7 @@ TEST_F(Updates, SayWhyThereAreNone)
         setFeed(c.address);
         UpdateWindow::checkForUpdates();
         EXPECT_TRUE(says(QString::fromUtf8(c.message))) << c.message << qPrintable(message());
+        EXPECT_EQ(window()->findChild<SymbolView *>()->isVisible(), &c != cases) << "a warning sign";
     }
     const QByteArray long_(2 * 1024 * 1024, ' ');
     serve(long_);

@@ -181,8 +181,9 @@ QCoro::Task<QString> OpenAICompatibleProvider::receiveWhole(URLRequest request) 
     auto reading = response.isSuccess() ? task->readAll(longestAnswer) : task->readAtMost(longestErrorBody);
     const QByteArray body = co_await reading;
     if (!response.isSuccess())
-        throw TranslationError::network(ProviderErrorMapper::friendlyHTTPError(response.statusCode, body));
-    co_return parseContent(body);
+        throw TranslationError::network(
+            ProviderErrorMapper::friendlyHTTPError(response.statusCode, body, m_config.apiKey));
+    co_return parseContent(body, m_config.apiKey);
 }
 
 QCoro::Task<QString> OpenAICompatibleProvider::receiveStream(URLRequest request, DeltaHandler onDelta) const
@@ -194,7 +195,8 @@ QCoro::Task<QString> OpenAICompatibleProvider::receiveStream(URLRequest request,
         auto reading = task->readAtMost(longestErrorBody);
         QByteArray body = co_await reading;
         body.removeIf([](char c) { return c == '\n' || c == '\r'; });
-        throw TranslationError::network(ProviderErrorMapper::friendlyHTTPError(response.statusCode, body));
+        throw TranslationError::network(
+            ProviderErrorMapper::friendlyHTTPError(response.statusCode, body, m_config.apiKey));
     }
     ChatStream stream;
     GrowingText accumulated;
@@ -213,7 +215,7 @@ QCoro::Task<QString> OpenAICompatibleProvider::receiveStream(URLRequest request,
     co_return nonEmpty(accumulated.text());
 }
 
-QString OpenAICompatibleProvider::parseContent(const QByteArray &body)
+QString OpenAICompatibleProvider::parseContent(const QByteArray &body, const QString &apiKey)
 {
     const QJsonValue decoded = decodeJson(body);
     if (!decoded.isObject())
@@ -226,7 +228,7 @@ QString OpenAICompatibleProvider::parseContent(const QByteArray &body)
     }
     const QJsonObject error = root.value(QLatin1String("error")).toObject();
     if (const auto text = textValue(error.value(QLatin1String("message"))))
-        throw TranslationError::network(*text);
+        throw TranslationError::network(ProviderErrorMapper::withoutKey(*text, apiKey));
     throw TranslationError::parse();
 }
 

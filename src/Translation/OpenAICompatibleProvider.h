@@ -22,8 +22,8 @@ public:
 
     /// The address of the service's completions, from a trimmed base URL; none when that is no web address.
     static std::optional<QUrl> endpoint(const QString &base);
-    /// The translation in a whole answer; throws JSONError or TranslationError.
-    static QString parseContent(const QByteArray &body);
+    /// The translation in a whole answer; throws JSONError or TranslationError, which do not tell the key.
+    static QString parseContent(const QByteArray &body, const QString &apiKey = {});
 
 private:
     URLRequest makeRequest(bool stream, const QString &text, const QString &target,

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Translation/ProviderErrorMapper.h"
 
+#include <QRegularExpression>
+
 #include "Json.h"
 #include "Localization.h"
 #include "Platform/URLSession.h"
@@ -11,6 +13,8 @@ namespace tovi {
 namespace {
 
 constexpr int longestDetail = 160;
+/// Shorter keys are words that servers without keys want to see; as part of another word they are none.
+constexpr int shortestSecret = 6;
 
 QString t(Str key)
 {
@@ -102,13 +106,27 @@ QString messageFor(JSONError::Kind kind)
 
 } // namespace
 
-QString ProviderErrorMapper::friendlyHTTPError(int status, const QByteArray &body)
+QString ProviderErrorMapper::friendlyHTTPError(int status, const QByteArray &body, const QString &apiKey)
 {
     const QString message = messageForStatus(status);
     const auto detail = serviceMessage(body);
     if (!detail || detail->isEmpty())
         return message;
-    return message + QStringLiteral(" \u00B7 ") + firstCharacters(*detail, longestDetail).toString();
+    return message + QStringLiteral(" \u00B7 ") +
+           firstCharacters(withoutKey(*detail, apiKey), longestDetail).toString();
+}
+
+QString ProviderErrorMapper::withoutKey(QString message, const QString &apiKey)
+{
+    const QString key = apiKey.trimmed();
+    if (key.isEmpty())
+        return message;
+    QString pattern = QRegularExpression::escape(key);
+    if (key.size() < shortestSecret)
+        pattern = QStringLiteral("(?<!\\w)%1(?!\\w)").arg(pattern);
+    const QRegularExpression written(pattern, QRegularExpression::CaseInsensitiveOption |
+                                                  QRegularExpression::UseUnicodePropertiesOption);
+    return message.replace(written, QStringLiteral("\u2022\u2022\u2022\u2022"));
 }
 
 TranslationError ProviderErrorMapper::network(const std::exception_ptr &error)

@@ -9,6 +9,7 @@
 
 #include "BundleInformation.h"
 #include "Localization.h"
+#include "Platform/NotificationCenter.h"
 #include "Platform/Platform.h"
 #include "UI/RegularWindow.h"
 
@@ -22,14 +23,19 @@ constexpr int titlePixels = 22;
 struct Holder
 {
     QPointer<RegularWindow> window;
+    QPointer<QLabel> version;
+    Subscription languageObserver = Platform::current().notificationCenter().observe(
+        Localization::languageChangedNotification, [this](const QVariantMap &) { relabel(); });
     ~Holder() { delete window; }
+
+    void makeWindow();
+    void relabel();
 };
 
-RegularWindow *makeWindow()
+void Holder::makeWindow()
 {
-    auto *window = new RegularWindow(RegularWindow::Style::fixed);
+    window = new RegularWindow(RegularWindow::Style::fixed);
     window->setAttribute(Qt::WA_DeleteOnClose);
-    window->setWindowTitle(Localization::shared().t(Str::menuAbout));
     auto *logo = new QLabel;
     logo->setPixmap(QIcon(QStringLiteral(":/tovi/ToviLogo.svg")).pixmap(logoSide, logoSide));
     auto *name = new QLabel(BundleInformation::name());
@@ -37,19 +43,27 @@ RegularWindow *makeWindow()
     font.setPixelSize(titlePixels);
     font.setWeight(QFont::DemiBold);
     name->setFont(font);
-    auto *versionLine = new QLabel(
-        formatted(Localization::shared().t(Str::aboutVersionFormat), {BundleInformation::versionText()}));
-    versionLine->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    versionLine->setContextMenuPolicy(Qt::NoContextMenu); // the toolkit's speaks English
+    version = new QLabel;
+    version->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    version->setContextMenuPolicy(Qt::NoContextMenu); // the toolkit's speaks English
     auto *content = new QWidget;
     auto *layout = new QVBoxLayout(content);
     layout->setContentsMargins(48, 24, 48, 28);
-    for (QLabel *line : {logo, name, versionLine})
+    for (QLabel *line : {logo, name, version.get()})
         layout->addWidget(line, 0, Qt::AlignHCenter);
     window->setCentralWidget(content);
     QObject::connect(new QShortcut(QKeySequence::Cancel, window), &QShortcut::activated, window,
                      &QWidget::close);
-    return window;
+    relabel();
+}
+
+void Holder::relabel()
+{
+    if (!window)
+        return;
+    const Localization &texts = Localization::shared();
+    window->setWindowTitle(texts.t(Str::menuAbout));
+    version->setText(formatted(texts.t(Str::aboutVersionFormat), {BundleInformation::versionText()}));
 }
 
 } // namespace
@@ -58,7 +72,7 @@ void orderFront()
 {
     auto &holder = Platform::current().shared<Holder>();
     if (!holder.window)
-        holder.window = makeWindow();
+        holder.makeWindow();
     holder.window->makeKeyAndOrderFront();
 }
 

@@ -46,19 +46,18 @@ void OnboardingWindowController::show()
     Platform::current().application().setActivationPolicy(Application::ActivationPolicy::Regular);
     m_window.reset(new RegularWindow(RegularWindow::Style::fixed));
     m_window->onClose = [this] { windowWillClose(); };
-    m_window->setWindowTitle(Localization::shared().t(Str::onboardingTitle));
     makeContent();
     m_window->makeKeyAndOrderFront();
 }
 
 void OnboardingWindowController::makeContent()
 {
-    if (QWidget *old = m_window->takeCentralWidget()) {
-        old->hide();
-        old->deleteLater();
-    }
+    m_window->setWindowTitle(Localization::shared().t(Str::onboardingTitle));
     auto *view = new OnboardingView([this] { finish(); });
-    m_window->setCentralWidget(view);
+    m_window->setCentralWidget(view); // the old one goes by itself
+    // In this turn: a window with nothing in it is taken from the desktop, which then shows and activates it
+    // as a new one.
+    view->show();
     view->setFocus(Qt::OtherFocusReason);
 }
 

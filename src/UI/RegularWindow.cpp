@@ -13,6 +13,7 @@
 #include <QMenuBar>
 #include <QScreen>
 
+#include "UI/Forms/FormView.h"
 #include "UI/MainMenu.h"
 #include "UI/TextEditing.h"
 
@@ -61,6 +62,7 @@ void RegularWindow::makeKeyAndOrderFront()
             centralWidget()->ensurePolished();
         const QScreen *pointed = QGuiApplication::screenAt(QCursor::pos());
         const QRect room = (pointed ? pointed : screen())->availableGeometry();
+        shrinkInto(room, {});
         const QSize size = isAsLargeAsItsContent() ? sizeHint() : this->size();
         const QPoint corner((room.width() - size.width()) / 2, (room.height() - size.height()) / 2);
         move(placeWithin(room, QRect(room.topLeft() + corner, size)));
@@ -70,6 +72,24 @@ void RegularWindow::makeKeyAndOrderFront()
     show();
     raise();
     activateWindow();
+}
+
+void RegularWindow::shrinkInto(const QRect &room, const QSize &frame)
+{
+    if (!isAsLargeAsItsContent())
+        resize(size().boundedTo(room.size() - frame).expandedTo(minimumSize()));
+}
+
+bool RegularWindow::focusNextPrevChild(bool next)
+{
+    if (!QMainWindow::focusNextPrevChild(next))
+        return false;
+    // The toolkit does so only where the keyboard was in the same view before.
+    for (QWidget *view = focusWidget(); view; view = view->parentWidget()) {
+        if (auto *form = qobject_cast<FormView *>(view))
+            form->revealFocus();
+    }
+    return true;
 }
 
 void RegularWindow::resizeEvent(QResizeEvent *event)
@@ -86,9 +106,14 @@ void RegularWindow::resizeEvent(QResizeEvent *event)
 void RegularWindow::changeEvent(QEvent *event)
 {
     QMainWindow::changeEvent(event);
+    if (event->type() != QEvent::ActivationChange || !isActiveWindow())
+        return;
     // Now that it has its frame.
-    if (event->type() == QEvent::ActivationChange && isActiveWindow() && std::exchange(m_isNew, false)) {
-        const QPoint place = placeWithin(screen()->availableGeometry(), frameGeometry());
+    if (std::exchange(m_isNew, false)) {
+        const QRect room = screen()->availableGeometry();
+        const QSize frame = frameGeometry().size() - size();
+        shrinkInto(room, frame);
+        const QPoint place = placeWithin(room, QRect(pos(), size() + frame));
         if (place != pos())
             move(place);
     }

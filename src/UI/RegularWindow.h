@@ -29,12 +29,15 @@ public:
 protected:
     void changeEvent(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
     void keyPressEvent(QKeyEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:
     /// The style `fixed`.
     bool isAsLargeAsItsContent() const;
+    /// Not larger than the screen's room for windows, as far as it may be small.
+    void shrinkInto(const QRect &room, const QSize &frame);
 
     bool m_isNew = false; ///< shown, and its frame not yet looked at
 };

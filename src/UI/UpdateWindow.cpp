@@ -20,6 +20,7 @@
 #include "UI/Forms/FormButton.h"
 #include "UI/Forms/FormLabel.h"
 #include "UI/Forms/FormStyle.h"
+#include "UI/Forms/SymbolView.h"
 #include "UI/Forms/TextFrame.h"
 #include "UI/LogoView.h"
 #include "UI/Spinner.h"
@@ -35,6 +36,7 @@ constexpr int viewWidth = 480;
 constexpr int padding = 24;
 constexpr int logoSide = 56;
 constexpr int messageSize = 15;
+constexpr int warningSize = 18;
 constexpr int lowestNotes = 60;
 constexpr int highestNotes = 260;
 /// What the window needs besides the notes, with its title and the desktop's.
@@ -113,11 +115,12 @@ void UpdateWindow::checkForUpdates()
 UpdateWindow::UpdateWindow(UpdateController &controller)
     : RegularWindow(Style::fixed)
     , m_controller(controller)
+    , m_warning(new SymbolView(warningSize))
     , m_message(new FormLabel(FormLabel::Role::strong))
     , m_spinner(new Spinner)
     , m_notesTitle(new FormLabel(FormLabel::Role::header))
     , m_notes(new EditableTextView)
-    , m_notesFrame(new TextFrame(m_notes, lowestNotes))
+    , m_notesFrame(new TextFrame(m_notes, lowestNotes, TextFrame::Margins::wide))
     , m_download(new FormButton({}, FormButton::Kind::prominent))
     , m_close(new FormButton({}))
 {
@@ -125,6 +128,7 @@ UpdateWindow::UpdateWindow(UpdateController &controller)
     onClose = [] {
         Platform::current().application().setActivationPolicy(Application::ActivationPolicy::Accessory);
     };
+    m_warning->setSymbol(QStringLiteral("exclamationmark.triangle.fill"), SymbolView::Tint::orange);
     m_message->setFont(FormStyle::font(messageSize, QFont::Medium));
     m_notes->setFont(FormStyle::font(FormStyle::bodySize));
     connect(m_notes, &EditableTextView::submitted, this, [this] { defaultButton()->click(); });
@@ -138,6 +142,7 @@ UpdateWindow::UpdateWindow(UpdateController &controller)
     auto *head = new QHBoxLayout;
     head->setSpacing(16);
     head->addWidget(new LogoView(logoSide), 0, Qt::AlignTop);
+    head->addWidget(m_warning, 0, Qt::AlignVCenter);
     head->addWidget(m_message, 1);
     head->addWidget(m_spinner);
     auto *buttons = new QHBoxLayout;
@@ -174,6 +179,7 @@ void UpdateWindow::refresh()
     const bool isAvailable = state.phase == Phase::available;
     setWindowTitle(words.title + QStringLiteral(" – ") + BundleInformation::name());
     m_message->setText(message(state));
+    m_warning->setVisible(state.phase == Phase::failed);
     m_spinner->setVisible(state.phase == Phase::checking);
     m_notesTitle->setText(words.notes);
     m_notes->setAccessibleName(words.notes);

@@ -12,6 +12,7 @@ class EditableTextView;
 class FormButton;
 class FormLabel;
 class Spinner;
+class SymbolView;
 class TextFrame;
 
 /// What a check for updates has found, or why it has found nothing. Main thread.
@@ -34,6 +35,7 @@ private:
     FormButton *defaultButton() const;
 
     UpdateController &m_controller;
+    SymbolView *m_warning;
     FormLabel *m_message;
     Spinner *m_spinner;
     FormLabel *m_notesTitle;

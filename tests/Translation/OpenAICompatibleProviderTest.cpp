@@ -187,6 +187,20 @@ TEST_F(OpenAICompatibleProviderTest, FailuresBecomeShortMessages)
     answer = [&](const Request &, Reply &reply) { reply.answer(rows[current].status, rows[current].body); };
     for (; current < 9; ++current)
         EXPECT_EQ(failure(), TranslationError::network(rows[current].message)) << current;
+
+    // The second key would be cut in two.
+    config.apiKey = QStringLiteral("sk-SECRET");
+    for (const int status : {200, 401}) {
+        answer = [&](const Request &, Reply &reply) {
+            reply.answer(status, error("Bad sk-SECRET: " + QByteArray(140, 'a') + "SK-secret"));
+        };
+        const auto own = engine();
+        const auto told = errorOf<TranslationError>(own->translate(QStringLiteral("one"), de, automatic));
+        ASSERT_TRUE(told && told->localizedDescription().contains(QStringLiteral("Bad \u2022")));
+        EXPECT_FALSE(told->localizedDescription().contains(QStringLiteral("sk-"), Qt::CaseInsensitive));
+    }
+    EXPECT_EQ(ProviderErrorMapper::withoutKey(QStringLiteral("none of nonesuch"), QStringLiteral("none")),
+              QStringLiteral("\u2022\u2022\u2022\u2022 of nonesuch"));
 }
 
 TEST_F(OpenAICompatibleProviderTest, TransportFailuresBecomeShortMessages)

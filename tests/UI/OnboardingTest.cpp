@@ -57,6 +57,7 @@ TEST_F(OnboardingTest, WhatIsGrantedHasNoButtonsInAnyLanguage)
     platform.clock().advance(1s);
     for (const AppLanguage language : AppLanguages::all()) {
         Localization::shared().language = language;
+        EXPECT_TRUE(window()->centralWidget()->isVisible()) << "an empty window would be shown anew";
         drainMainQueue();
         EXPECT_FALSE(rowButton(Str::openSettings, Str::accessibilityPerm));
         EXPECT_TRUE(rowButton(Str::openSettings, Str::automationPerm));

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <QListWidget>
+#include <QScrollBar>
 #include <gtest/gtest.h>
 
 #include "HotKeyStatus.h"
@@ -249,6 +250,14 @@ TEST_F(SettingsWindowTest, TheKeyboardReachesEverything)
         show(pane);
         EXPECT_EQ(countUnreachable(), 0) << qPrintable(SettingsPanes::rawValue(pane));
     }
+    show(SettingsPane::general);
+    auto *bar = window()->findChild<QScrollArea *>()->verticalScrollBar();
+    bar->setValue(bar->maximum());
+    auto *item = find<QAbstractButton>(Str::paneGeneral);
+    item->setFocus();
+    press(item, Qt::Key_Tab);
+    EXPECT_EQ(window()->focusWidget(), find<Picker>(Str::interfaceLanguage));
+    EXPECT_FALSE(window()->focusWidget()->visibleRegion().isEmpty());
 }
 
 TEST_F(SettingsWindowTest, KeysOpenTheMenuBarAndAreNotTyped)
@@ -292,6 +301,9 @@ TEST_F(SettingsWindowTest, NothingIsCutOffInAnyLanguage)
                     list->setCurrentRow(list->count() - 1);
                     drainMainQueue();
                     EXPECT_EQ(cutOff(), "");
+                    if (const auto *model = find<QLineEdit>(Str::model)) {
+                        EXPECT_EQ(model->width(), find<QLineEdit>(Str::apiKey)->width());
+                    }
                 }
             }
         }

@@ -142,9 +142,18 @@ void X11Application::hide()
 
 void X11Application::unhide()
 {
+    QWidget *active = QApplication::activeWindow();
+    bool hasBroughtBack = false;
     for (const auto &window : std::exchange(m_hiddenWindows, {})) {
-        if (window && window->isVisible() && window->isMinimized())
-            window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+        if (!window || !window->isVisible() || !window->isMinimized())
+            continue;
+        window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+        hasBroughtBack = true;
+    }
+    // Window managers activate what comes back.
+    if (active && hasBroughtBack) {
+        active->raise();
+        active->activateWindow();
     }
     if (m_panelHost)
         m_panelHost->unhidePanels();

@@ -33,6 +33,7 @@ public:
     bool eventFilter(QObject *receiver, QEvent *event) override;
 
 private:
+    /// Keeps the window of ours that is active in front.
     void unhide();
 
     ActivationPolicy m_policy = ActivationPolicy::Accessory;

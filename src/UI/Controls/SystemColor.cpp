@@ -37,7 +37,7 @@ QColor secondaryLabel(const QPalette &palette)
 
 QColor disabledLabel(const QPalette &palette)
 {
-    return shade(palette, 0.26, 0.28);
+    return shade(palette, 0.42, 0.38);
 }
 
 QColor separator(const QPalette &palette)

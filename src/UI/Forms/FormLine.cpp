@@ -90,6 +90,12 @@ void FormLine::addControl(QWidget *control)
     addItem(new QWidgetItem(control));
 }
 
+void FormLine::setTextRoom(int width)
+{
+    m_textRoom = width;
+    invalidate();
+}
+
 void FormLine::addItem(QLayoutItem *item)
 {
     m_items.emplace_back(item);
@@ -126,7 +132,7 @@ FormLine::Plan FormLine::plan(int width) const
 {
     Plan plan{.texts = shown(true), .controls = shown(false)};
     plan.controlsHeight = tallest(plan.controls);
-    int natural = 0; // without any line break
+    int natural = m_textRoom; // without any line break
     for (QLayoutItem *text : plan.texts)
         natural = std::max(natural, label(text)->naturalWidth());
     const int hint = widths(plan.controls, &QLayoutItem::sizeHint);

@@ -21,6 +21,8 @@ public:
 
     void addText(FormLabel *text);
     void addControl(QWidget *control);
+    /// The texts get at least this room in points beside the controls, so that these begin at one edge.
+    void setTextRoom(int width);
 
     void addItem(QLayoutItem *item) override;
     int count() const override { return static_cast<int>(m_items.size()); }
@@ -39,6 +41,7 @@ private:
     Plan plan(int width) const;
 
     const Qt::Alignment m_alignment;
+    int m_textRoom = 0;
     std::vector<std::unique_ptr<QLayoutItem>> m_items;
 };
 

@@ -52,6 +52,16 @@ FormRow::FormRow(const QString &title, QWidget *control, QWidget *parent)
     }
 }
 
+int FormRow::titleWidth() const
+{
+    return m_title->naturalWidth();
+}
+
+void FormRow::setTitleRoom(int width)
+{
+    m_line->setTextRoom(width);
+}
+
 void FormRow::setCaption(const QString &text)
 {
     if (!m_caption) {

@@ -20,6 +20,9 @@ public:
     /// The control, which the row takes, gets the title as its accessible name; none is allowed.
     FormRow(const QString &title, QWidget *control, QWidget *parent = nullptr);
 
+    /// The room in points for the title beside a control that may take the rest; at least the title's own.
+    int titleWidth() const;
+    void setTitleRoom(int width);
     /// Empty: none.
     void setCaption(const QString &text);
     /// Lines with a warning sign under the row; empty: none.

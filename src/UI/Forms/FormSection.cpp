@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "UI/Forms/FormSection.h"
 
+#include <algorithm>
+
 #include <QBoxLayout>
 #include <QPainter>
 
@@ -9,6 +11,7 @@
 #include "UI/Forms/FormLine.h"
 #include "UI/Forms/FormRow.h"
 #include "UI/Forms/FormStyle.h"
+#include "UI/Forms/FormTextField.h"
 
 namespace tovi {
 
@@ -80,7 +83,20 @@ FormRow *FormSection::addRow(const QString &title, QWidget *control)
     auto *row = new FormRow(title, control);
     m_group->layout()->addWidget(row);
     m_group->show();
+    if (qobject_cast<FormTextField *>(control)) {
+        m_fieldRows.push_back(row);
+        alignFields();
+    }
     return row;
+}
+
+void FormSection::alignFields()
+{
+    int widest = 0;
+    for (const FormRow *row : m_fieldRows)
+        widest = std::max(widest, row->titleWidth());
+    for (FormRow *row : m_fieldRows)
+        row->setTitleRoom(widest);
 }
 
 void FormSection::addHint(const QString &text, QWidget *control)

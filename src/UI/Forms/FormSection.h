@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <vector>
+
 #include <QWidget>
 
 namespace tovi {
@@ -23,7 +25,10 @@ public:
     void addWidget(QWidget *widget);
 
 private:
+    void alignFields();
+
     QWidget *m_group;
+    std::vector<FormRow *> m_fieldRows; ///< with a text field
 };
 
 } // namespace tovi

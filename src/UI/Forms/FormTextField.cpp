@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "UI/Forms/FormTextField.h"
 
+#include <cmath>
+
 #include <QAccessibleWidget>
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QStyle>
 
 #include "UI/Forms/FormStyle.h"
 #include "UI/TextEditing.h"
@@ -16,6 +19,9 @@ namespace {
 
 constexpr int naturalWidth = 190;
 constexpr int textMargin = 5;
+constexpr int toolkitMargin = 2; ///< besides, at both sides; text that is scrolled out shows in it
+constexpr int caretWidth = 1;
+constexpr int measuredDots = 64; ///< a single one has another width than those of a row
 
 /// The toolkit tells every change of a password field's text to all who listen on the accessibility bus, as
 /// it is typed. It does not where there is no text.
@@ -108,6 +114,19 @@ void FormTextField::mouseReleaseEvent(QMouseEvent *event)
 void FormTextField::contextMenuEvent(QContextMenuEvent *event)
 {
     showEditMenu(*this, event->pos());
+}
+
+void FormTextField::resizeEvent(QResizeEvent *event)
+{
+    QLineEdit::resizeEvent(event);
+    if (echoMode() != Password)
+        return;
+    // Room for whole dots, so that none is cut however far the field is scrolled.
+    const QChar dot(style()->styleHint(QStyle::SH_LineEdit_PasswordCharacter, nullptr, this));
+    const double step = QFontMetricsF(font()).horizontalAdvance(QString(measuredDots, dot)) / measuredDots;
+    const int room = width() - 2 * textMargin - toolkitMargin - caretWidth;
+    if (step > 0 && room > step)
+        setTextMargins(textMargin, 0, textMargin + qRound(room - std::floor(room / step) * step), 0);
 }
 
 void FormTextField::paintEvent(QPaintEvent *event)

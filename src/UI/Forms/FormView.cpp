@@ -67,14 +67,14 @@ void FormView::reveal(QWidget &widget)
     ensureWidgetVisible(&widget, 0, m_column->contentsMargins().bottom());
 }
 
-bool FormView::focusNextPrevChild(bool next)
+void FormView::revealFocus()
 {
-    if (!QScrollArea::focusNextPrevChild(next))
-        return false;
+    QWidget *focus = widget()->focusWidget();
+    if (!focus)
+        return;
     // The toolkit shows no more of a text than its caret's line.
-    if (QWidget *focus = widget()->focusWidget(); focus && qobject_cast<TextFrame *>(focus->parentWidget()))
-        ensureWidgetVisible(focus->parentWidget());
-    return true;
+    auto *frame = qobject_cast<TextFrame *>(focus->parentWidget());
+    ensureWidgetVisible(frame ? frame : focus);
 }
 
 void FormView::observe(Observable &observed)

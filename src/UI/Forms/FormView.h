@@ -35,6 +35,8 @@ public:
 
     /// Scrolls to a widget of addWidget() that has just changed its height.
     void reveal(QWidget &widget);
+    /// Scrolls to the control with the keyboard.
+    void revealFocus();
 
     /// Rows whose control shows a field and writes it through at once.
     FormRow *addToggle(FormSection &section, const QString &title, Published<bool> &field);
@@ -53,9 +55,6 @@ public:
     };
     FormRow *addSlider(FormSection &section, const QString &title, const Range &range,
                        Published<double> &field);
-
-protected:
-    bool focusNextPrevChild(bool next) override;
 
 private:
     void refresh();

@@ -13,18 +13,19 @@ namespace tovi {
 
 namespace {
 
-constexpr QMargins margins(4, 4, 2, 4);
+constexpr QMargins narrowMargins(4, 4, 2, 4);
+constexpr QMargins wideMargins(10, 9, 2, 9);
 /// UTF-16 units; what is longer needs more than a screen.
 constexpr qsizetype measuredText = 20'000;
 
 } // namespace
 
-TextFrame::TextFrame(EditableTextView *text, int height, QWidget *parent)
+TextFrame::TextFrame(EditableTextView *text, int height, Margins margins, QWidget *parent)
     : QWidget(parent)
     , m_text(text)
 {
     auto *column = new QVBoxLayout(this);
-    column->setContentsMargins(margins);
+    column->setContentsMargins(margins == Margins::wide ? wideMargins : narrowMargins);
     column->addWidget(text);
     text->installEventFilter(this);
     setFixedHeight(height);
@@ -32,6 +33,7 @@ TextFrame::TextFrame(EditableTextView *text, int height, QWidget *parent)
 
 int TextFrame::heightFor(const QString &text, int width) const
 {
+    const QMargins margins = layout()->contentsMargins();
     const int inset = qCeil(m_text->document()->documentMargin());
     const int room = width - margins.left() - margins.right() - OverlayScrollBar::width - 2 * inset;
     const QRect bounds =

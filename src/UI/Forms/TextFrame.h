@@ -13,8 +13,11 @@ class TextFrame final : public QWidget
     Q_OBJECT
 
 public:
+    enum class Margins { narrow, wide };
+
     /// Takes the view. The height is the frame's, in points.
-    TextFrame(EditableTextView *text, int height, QWidget *parent = nullptr);
+    TextFrame(EditableTextView *text, int height, Margins margins = Margins::narrow,
+              QWidget *parent = nullptr);
 
     /// The height that shows all of a text at this width, as far as it is not much longer than a screen.
     int heightFor(const QString &text, int width) const;

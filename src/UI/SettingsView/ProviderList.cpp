@@ -47,7 +47,7 @@ QString badge()
     return Localization::shared().t(Str::providerDefaultBadge);
 }
 
-/// As small as the line beside it.
+/// Small, as there are names of engines beside it.
 QSize badgeSize()
 {
     return CapsuleBadge::sizeOf(badge()) - QSize(6, 3);
@@ -85,22 +85,20 @@ public:
         room.setLeft(room.left() + iconSide + gap);
         const QFont font = FormStyle::font(FormStyle::bodySize);
         const QFont small = FormStyle::font(subtitleSize);
-        const bool isDefault = index.data(isDefaultRole).toBool();
+        if (index.data(isDefaultRole).toBool()) {
+            QRect place(QPoint(), badgeSize());
+            place.moveCenter(room.center());
+            place.moveRight(room.right());
+            room.setRight(place.left() - badgeGap);
+            CapsuleBadge::paint(*painter, place, badge(), color, isSelected ? color : secondary);
+        }
         QRect title(room.x(), 0, room.width(), QFontMetrics(font).height());
         QRect below(room.x(), 0, room.width(), QFontMetrics(small).height());
         const QString name = index.data().toString().simplified();
         const QString subtitle = index.data(subtitleRole).toString().simplified();
-        const bool hasTwoLines = isDefault || !subtitle.isEmpty();
-        title.moveTop(room.y() + (rowHeight - title.height() - (hasTwoLines ? below.height() : 0)) / 2);
+        title.moveTop(room.y() +
+                      (rowHeight - title.height() - (subtitle.isEmpty() ? 0 : below.height())) / 2);
         below.moveTop(title.bottom() + 1);
-        if (isDefault) {
-            // In the second line, which is the shorter one, whatever the engine is called.
-            QRect place(QPoint(), badgeSize());
-            place.moveCenter(below.center());
-            place.moveRight(room.right());
-            below.setRight(place.left() - badgeGap);
-            CapsuleBadge::paint(*painter, place, badge(), color, isSelected ? color : secondary);
-        }
         paintText(*painter, title, font, color, name);
         paintText(*painter, below, small, secondary, subtitle);
         painter->restore();

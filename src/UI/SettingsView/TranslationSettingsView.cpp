@@ -27,7 +27,7 @@ namespace tovi {
 namespace {
 
 constexpr int sidebarWidth = 190;
-constexpr int widestSidebar = 216; ///< in the narrowest pane
+constexpr int widestSidebar = 236; ///< in the narrowest pane
 constexpr int narrowestPane = 520;
 constexpr int margin = 8;
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Platform/X11/ScreenComposer.h"
 
+#include <utility>
+
 #include <sys/ipc.h>
 #include <sys/shm.h>
 #include <xcb/composite.h>
@@ -166,7 +168,7 @@ xcb_render_pictformat_t ScreenComposer::formatOf(xcb_visualid_t visual) const
     return it == m_formats.end() ? 0 : it->second;
 }
 
-QImage ScreenComposer::compose(const QRect &area, const QList<StackedWindow> &windows,
+QImage ScreenComposer::compose(const QRect &area, const std::function<QList<StackedWindow>()> &listWindows,
                                const std::function<bool(const StackedWindow &)> &isLeftOut)
 {
     if (!isPossible() || area.isEmpty())
@@ -176,12 +178,19 @@ QImage ScreenComposer::compose(const QRect &area, const QList<StackedWindow> &wi
     QImage image;
     {
         const Canvas canvas(connection, m_session.root(), m_pixels, area);
+        QList<StackedWindow> onRoot;
         const bool hasWallpaper = drawWallpaper(canvas);
-        if (!hasWallpaper)
+        if (!hasWallpaper) {
+            onRoot = listWindows();
             drawRoot(canvas);
-        for (const StackedWindow &window : windows) {
-            if (!hasWallpaper && isLeftOut(window))
-                canvas.clear(window.outline); // the root window's pixels may be this window's
+        }
+        const QList<StackedWindow> windows = listWindows();
+        // The root window's pixels may be those of a window that came or went about this time.
+        if (!hasWallpaper)
+            onRoot += windows;
+        for (const StackedWindow &window : std::as_const(onRoot)) {
+            if (isLeftOut(window))
+                canvas.clear(window.outline);
         }
         for (const StackedWindow &window : windows) {
             if (window.outline.intersects(area) && !isLeftOut(window))

@@ -24,9 +24,10 @@ public:
     /// Whether the server has what it takes.
     bool isPossible() const { return m_pixels != 0; }
     /// The area (device pixels of the desktop), the windows from the lowest to the highest, without those
-    /// left out. A null image when the server does not answer in the session's time or has no memory. What
-    /// goes wrong with one window leaves only that window out.
-    QImage compose(const QRect &area, const QList<StackedWindow> &windows,
+    /// left out. They are listed when they are needed, and what that throws is passed on. A null image when
+    /// the server does not answer in the session's time or has no memory. What goes wrong with one window
+    /// leaves only that window out.
+    QImage compose(const QRect &area, const std::function<QList<StackedWindow>()> &listWindows,
                    const std::function<bool(const StackedWindow &)> &isLeftOut);
 
 private:

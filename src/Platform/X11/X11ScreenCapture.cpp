@@ -64,6 +64,7 @@ public:
         const ScreenGeometry geometry = ScreenGeometry::current();
         for (const Screen &screen : geometry.screens())
             content.displays << screen.displayNumber;
+        link();
         for (const StackedWindow &window : windows()) {
             content.windows.append({window.id, window.processIdentifier});
             if (window.processIdentifier && !content.applications.contains(window.processIdentifier))
@@ -75,9 +76,10 @@ public:
     QImage capture(const ContentFilter &filter, const StreamConfiguration &configuration)
     {
         const QRect area = nativeRect(filter, configuration);
-        const QList<StackedWindow> all = windows();
+        link();
         const QImage image = m_link->composer->compose(
-            area, all, [&filter](const StackedWindow &window) { return isLeftOut(window, filter); });
+            area, [this] { return windows(); },
+            [&filter](const StackedWindow &window) { return isLeftOut(window, filter); });
         if (image.isNull())
             throw error("the display server gave no picture");
         if (image.size() == configuration.size)
@@ -92,7 +94,8 @@ private:
         std::optional<ScreenComposer> composer;
     };
 
-    QList<StackedWindow> windows()
+    /// For one request, whose time begins here.
+    void link()
     {
         if (!m_link || !m_link->session.isOpen())
             m_link = std::make_unique<Link>();
@@ -104,6 +107,12 @@ private:
             m_link.reset();
             throw error("the display server refuses to compose windows");
         }
+    }
+
+    /// Over the link that there is.
+    QList<StackedWindow> windows()
+    {
+        XcbSession &session = m_link->session;
         auto list = stackedWindows(session, m_ownResource);
         if (!list)
             throw error("the display server does not answer");

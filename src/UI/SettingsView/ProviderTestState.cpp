@@ -18,10 +18,11 @@ QCoro::Task<> ProviderTest::run(std::shared_ptr<ProviderTest> test, ProviderConf
         const Settings &settings = Settings::shared();
         auto keyLoaded = Settings::shared().keyLoaded(config.id);
         co_await keyLoaded;
-        auto translation = Translator::shared().testConnection(settings.provider(config.id).value_or(config));
+        const ProviderConfig present = settings.provider(config.id).value_or(config);
+        auto translation = Translator::shared().testConnection(present);
         const TranslationResult result = co_await translation;
-        outcome = {Kind::success,
-                   formatted(Localization::shared().t(Str::testSuccess), {result.translatedText})};
+        const QString text = ProviderErrorMapper::withoutKey(result.translatedText, present.apiKey);
+        outcome = {Kind::success, formatted(Localization::shared().t(Str::testSuccess), {text})};
     } catch (const TranslationError &error) {
         outcome = {Kind::failure, error.localizedDescription()};
     } catch (...) {

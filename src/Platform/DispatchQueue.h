@@ -38,7 +38,8 @@ std::shared_ptr<QPromise<T>> makePromise()
 {
     const std::shared_ptr<QPromise<T>> promise(new QPromise<T>, [](QPromise<T> *ending) {
         if (!ending->future().isFinished()) {
-            ending->setException(std::make_exception_ptr(std::future_error(std::future_errc::broken_promise)));
+            ending->setException(
+                std::make_exception_ptr(std::future_error(std::future_errc::broken_promise)));
             ending->finish();
         }
         delete ending;

@@ -60,7 +60,8 @@ public:
     /// Works on threads of its own, so nothing here waits. Finishes with the lines in reading order (none
     /// when the picture has no text) or with a TextRecognitionError. Main thread.
     virtual QFuture<QList<RecognizedText>> recognize(TextRecognitionRequest request) = 0;
-    /// Whether the system has a recogniser and data, as far as the last recognition has found out. Any thread.
+    /// Whether the system has a recogniser and data, as far as the last recognition has found out. Any
+    /// thread.
     virtual bool isPresent() const = 0;
 };
 
